@@ -1,0 +1,70 @@
+// Nails down the records of the public header: programs and companion modules were compiled against these offsets.
+// Makes no code.
+#include "vellum32.h"
+
+#include <cstddef>
+
+namespace {
+
+#define VELLUM_FIELD(record, field, offset) static_assert(offsetof(record, field) == offset, #record "." #field)
+
+static_assert(sizeof(TiffFileInfo) == 160);
+VELLUM_FIELD(TiffFileInfo, path, 0);
+VELLUM_FIELD(TiffFileInfo, byteOrder, 150);
+VELLUM_FIELD(TiffFileInfo, imageCount, 152);
+VELLUM_FIELD(TiffFileInfo, firstDirectoryOffset, 156);
+
+static_assert(sizeof(CodecState) == 176);
+VELLUM_FIELD(CodecState, codePointer, 0);
+VELLUM_FIELD(CodecState, linePointer, 4);
+VELLUM_FIELD(CodecState, codeBytesLeft, 8);
+VELLUM_FIELD(CodecState, lineBytesLeft, 12);
+VELLUM_FIELD(CodecState, pixelsLeft, 16);
+VELLUM_FIELD(CodecState, userValue, 20);
+VELLUM_FIELD(CodecState, stripEnd, 24);
+VELLUM_FIELD(CodecState, image, 28);
+VELLUM_FIELD(CodecState, bytesPerLine, 68);
+VELLUM_FIELD(CodecState, compressionKey, 72);
+VELLUM_FIELD(CodecState, currentLine, 76);
+VELLUM_FIELD(CodecState, bufferBlock, 80);
+VELLUM_FIELD(CodecState, stream, 84);
+VELLUM_FIELD(CodecState, fillOrder, 88);
+VELLUM_FIELD(CodecState, byteOrder, 92);
+VELLUM_FIELD(CodecState, codeBuffer, 96);
+VELLUM_FIELD(CodecState, bufferBase, 100);
+VELLUM_FIELD(CodecState, codeCapacity, 104);
+VELLUM_FIELD(CodecState, streamLimit, 108);
+VELLUM_FIELD(CodecState, stripIndex, 112);
+VELLUM_FIELD(CodecState, streamPosition, 116);
+VELLUM_FIELD(CodecState, stripCount, 120);
+VELLUM_FIELD(CodecState, rowsPerStrip, 124);
+VELLUM_FIELD(CodecState, stripLastLine, 128);
+VELLUM_FIELD(CodecState, stripOffsets, 132);
+VELLUM_FIELD(CodecState, offsetsType, 136);
+VELLUM_FIELD(CodecState, stripByteCounts, 140);
+VELLUM_FIELD(CodecState, lineFunction, 144);
+VELLUM_FIELD(CodecState, lineBuffer, 148);
+VELLUM_FIELD(CodecState, lineBufferSize, 152);
+VELLUM_FIELD(CodecState, jpegProcess, 156);
+VELLUM_FIELD(CodecState, workBlocks, 160);
+
+static_assert(sizeof(JpegCodecState) == 208);
+VELLUM_FIELD(JpegCodecState, tileWidth, 176);
+VELLUM_FIELD(JpegCodecState, tileLength, 180);
+VELLUM_FIELD(JpegCodecState, tilesAcross, 184);
+VELLUM_FIELD(JpegCodecState, tilesDown, 188);
+VELLUM_FIELD(JpegCodecState, planarConfiguration, 192);
+VELLUM_FIELD(JpegCodecState, restartInterval, 196);
+VELLUM_FIELD(JpegCodecState, subsamplingHorizontal, 200);
+VELLUM_FIELD(JpegCodecState, subsamplingVertical, 204);
+
+static_assert(sizeof(LoadLineContext) == 28);
+VELLUM_FIELD(LoadLineContext, dc, 0);
+VELLUM_FIELD(LoadLineContext, bitmap, 4);
+VELLUM_FIELD(LoadLineContext, hInfo, 8);
+VELLUM_FIELD(LoadLineContext, bits, 12);
+VELLUM_FIELD(LoadLineContext, height, 16);
+VELLUM_FIELD(LoadLineContext, lineBytes, 20);
+VELLUM_FIELD(LoadLineContext, strideOrUsage, 24);
+
+} // namespace

@@ -1,0 +1,17 @@
+# The library's sources, folder by folder. A new file in one of these folders needs no change here; one that draws,
+# shows dialogs or uses the clipboard is added to VELLUM_GDI_SOURCES.
+set(VELLUM_FOLDERS support core codec display write cals annot api)
+set(VELLUM_GDI_SOURCES
+    display/bitmap_lines.cpp
+    display/clipboard.cpp
+    display/load_bitmap.cpp
+    display/palette.cpp)
+
+set(VELLUM_SOURCES)
+foreach(folder IN LISTS VELLUM_FOLDERS)
+    file(GLOB sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+    list(APPEND VELLUM_SOURCES ${sources})
+endforeach()
+if(NOT WIN32)
+    list(REMOVE_ITEM VELLUM_SOURCES ${VELLUM_GDI_SOURCES})
+endif()

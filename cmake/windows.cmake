@@ -1,0 +1,32 @@
+# What is shipped: VELLUM32.DLL, its import libraries, and the command-line program.
+enable_language(RC)
+include(cmake/exports.cmake)
+
+add_library(vellum SHARED res/vellum.rc ${VELLUM_DEF})
+target_link_libraries(vellum PRIVATE vellum_objects INTERFACE vellum_header)
+set_target_properties(
+    vellum
+    PROPERTIES OUTPUT_NAME VELLUM32
+               PREFIX ""
+               SUFFIX .DLL
+               IMPORT_PREFIX lib
+               IMPORT_SUFFIX .dll.a
+               LINKER_LANGUAGE CXX)
+vellum_replace_import_library(vellum)
+vellum_add_msvc_import_library()
+
+if(VELLUM_TESTS)
+    # Test programs have the DLL beside them.
+    add_custom_command(
+        TARGET vellum
+        POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/tests
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:vellum> ${PROJECT_BINARY_DIR}/tests)
+endif()
+
+file(GLOB VELLUM_TOOL_SOURCES CONFIGURE_DEPENDS tools/*.cpp)
+if(VELLUM_TOOL_SOURCES)
+    add_executable(vellum_tool ${VELLUM_TOOL_SOURCES})
+    target_link_libraries(vellum_tool PRIVATE vellum_options vellum)
+    set_target_properties(vellum_tool PROPERTIES OUTPUT_NAME vellum)
+endif()

@@ -1,0 +1,61 @@
+// The code words of ITU-T T.4 and T.6, and the decoder lookups computed from them.
+//
+// The words stand in ccitt_codes.cpp as readable bit strings in the order of the published tables; every lookup is made
+// from them at compile time, which also proves that the codes are prefix-free and complete.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <string_view>
+
+namespace vellum {
+
+// Bits that a run lookup is indexed by: the longest black code word has 13.
+constexpr int kRunLookupBits = 13;
+// Bits that a mode lookup is indexed by.
+constexpr int kModeLookupBits = 8;
+
+enum class RunKind : BYTE {
+    Terminating, // ends the run
+    MakeUp,      // the run goes on in the same colour
+    Zeros,       // eight or more zero bits: fill, or the start of an EOL; no run code begins so
+};
+
+struct RunEntry {
+    WORD run;  // pixels that the code word adds
+    BYTE bits; // its length
+    RunKind kind;
+};
+static_assert(sizeof(RunEntry) == 4);
+
+enum class Mode : BYTE {
+    Vertical,
+    Horizontal,
+    Pass,
+    Invalid, // 0000001 (extensions, uncompressed mode) and 00000001
+    Zeros,   // eight zero bits: the start of an EOL
+};
+
+struct ModeEntry {
+    Mode mode;
+    BYTE bits;
+    signed char shift; // of a vertical mode: a1 - b1
+};
+
+using RunLookup = std::array<RunEntry, 1u << kRunLookupBits>;
+using ModeLookup = std::array<ModeEntry, 1u << kModeLookupBits>;
+
+// Runs by colour: index 0 white, 1 black.
+extern const std::array<RunLookup, 2> kRunLookups;
+extern const ModeLookup kModeLookup;
+
+// The code words themselves, in the order of the published tables.
+constexpr int kTerminatingCodes = 64;  // runs 0 to 63
+constexpr int kColourMakeUpCodes = 27; // runs 64, 128, ... 1728
+constexpr int kSharedMakeUpCodes = 13; // runs 1792, 1856, ... 2560, the same for both colours
+extern const std::array<std::array<std::string_view, kTerminatingCodes>, 2> kTerminatingWords;
+extern const std::array<std::array<std::string_view, kColourMakeUpCodes>, 2> kMakeUpWords;
+extern const std::array<std::string_view, kSharedMakeUpCodes> kSharedMakeUpWords;
+
+} // namespace vellum

@@ -1,0 +1,45 @@
+// From an image's parameters to its lines: picks the codec by the compression key and runs it.
+#pragma once
+
+#include "core/tiff_file.h"
+
+namespace vellum {
+
+// Lines wider than this are refused, so that positions on a line never wrap.
+constexpr DWORD kWidestLine = 0x7FFF0000;
+
+// Runs the codec that the state's compression key asks for. An image without lines succeeds at once.
+Error decodeImageData(CodecState &state);
+
+// Decodes a registered image, or lineCount lines of it (0: all) from a strip on.
+struct DecodeRequest {
+    TiffHandle tiff;
+    DWORD index;
+    DWORD firstStrip;
+    DWORD lineCount;
+    DWORD userValue;
+    LineFunc lineFunction;
+};
+Error decodeTiffImage(const DecodeRequest &request);
+
+// Decodes a headerless code stream. An offset of 0, or one outside the stream, means the stream's current position.
+struct RawRequest {
+    StreamHandle stream;
+    DWORD offset;
+    DWORD width;
+    DWORD height;
+    DWORD compressionKey;
+    DWORD fillOrder; // 1 or 2; anything else counts as 1
+    DWORD byteOrder; // anything but "MM" counts as "II"
+    DWORD userValue;
+    LineFunc lineFunction;
+};
+Error decodeRawImage(const RawRequest &request);
+// The same for block-framed MMR code; the key is not used.
+Error decodeMmrImage(const RawRequest &request);
+
+// Whether code of a stream can fill this many image bytes at all, with room for damage. Blocks up to 16 MB need no
+// proof; beyond that a picture of gigabytes in a file of a kilobyte is not worth its memory.
+bool worthAllocating(Size imageBytes, DWORD compressionKey, DWORD bytesPerLine, DWORD streamBytes);
+
+} // namespace vellum

@@ -1,0 +1,38 @@
+// Everything the library remembers from one call to the next, grouped by owner. Callers make one call at a time, so
+// nothing here is locked.
+#pragma once
+
+#include "core/error.h"
+
+namespace vellum {
+
+struct MemoryStreamSlot {
+    HGLOBAL block = nullptr; // the caller's block; null when the slot is free
+    LONG position = -1;      // bytes from the start; -1 when free
+    LONG size = -1;          // valid bytes; -1 when free
+};
+
+constexpr int kMemoryStreamSlots = 31;
+
+struct LibraryState {
+    // core/error.cpp: written by every call that fails.
+    Error lastError = Error::None;
+
+    // api/entry.cpp: set once when a process attaches.
+    HINSTANCE module = nullptr;
+    bool processAttached = false;
+    bool processDetached = false;
+
+    // core/stream.cpp: a slot is valid from the opening of a memory stream to its close.
+    MemoryStreamSlot memoryStreams[kMemoryStreamSlots];
+
+    // codec/jpeg_module.cpp: loaded by the first JPEG image, forgotten by CloseTiffFile.
+    HMODULE jpegModule = nullptr;
+
+    // codec/decode_tiff.cpp: 1 while a decode that starts behind the first strip runs, and after any decode.
+    DWORD partialDecode = 0;
+};
+
+extern constinit LibraryState library;
+
+} // namespace vellum

@@ -1,0 +1,17 @@
+// How the record of an open TIFF leads to its bytes.
+#include "core/tiff_file.h"
+
+namespace vellum {
+
+StreamHandle openForReading(const TiffFileBlock &file) {
+    return file.pathName[0] != '\0' ? openFileStream(file.pathName, kOpenRead)
+                                    : openMemoryStream(file.memHandle, file.memSize);
+}
+
+void storeBackMemoryBlock(TiffFileBlock &file, StreamHandle stream) {
+    if (file.pathName[0] == '\0') {
+        file.memHandle = memoryStreamBlock(stream);
+    }
+}
+
+} // namespace vellum

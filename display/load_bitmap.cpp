@@ -1,0 +1,119 @@
+// Loading into a bitmap for the screen, and onto the clipboard.
+#include "display/loading.h"
+
+#include "display/palette.h"
+#include "display/pixel_order.h"
+#include "support/row_bytes.h"
+#include "support/screen_dc.h"
+#include "support/wait_cursor.h"
+
+namespace vellum {
+namespace {
+
+// Hands one line to a bitmap. The line buffer's slack covers the row's rounding to 32 bits.
+void placeInBitmap(const BYTE *line, DWORD row, const LoadLineContext &context) {
+    const GlobalView<BITMAPINFOHEADER> header(context.hInfo);
+    if (!header || row >= static_cast<DWORD>(header->biHeight)) {
+        return;
+    }
+    const UINT scanLine = static_cast<UINT>(header->biHeight) - 1 - row;
+    SetDIBits(context.dc, context.bitmap, scanLine, 1, line, reinterpret_cast<const BITMAPINFO *>(header.get()),
+              context.strideOrUsage);
+}
+
+HBITMAP createBitmap(HDC dc, const BITMAPINFOHEADER &header) {
+    return header.biClrUsed == 2 ? CreateBitmap(header.biWidth, header.biHeight, 1, 1, nullptr)
+                                 : CreateCompatibleBitmap(dc, header.biWidth, header.biHeight);
+}
+
+} // namespace
+
+HBITMAP loadBitmap(TiffHandle tiff, DWORD index) {
+    const ScreenDc dc;
+    if (tiff == nullptr || !dc) {
+        return nullptr;
+    }
+    const WaitCursor wait;
+    const GlobalBlock info(GetTiffRGBQuad(tiff, index));
+    const GlobalView<const BITMAPINFOHEADER> header(info.get());
+    if (!header) {
+        return nullptr;
+    }
+    // A load that never reaches the decoder ends for want of memory.
+    setError(Error::NoMemory);
+    const OwnedPalette palette = makePalette(info.get());
+    const RealizedPalette realized(dc.get(), palette.get());
+    OwnedBitmap bitmap(createBitmap(dc.get(), *header));
+    if (!bitmap) {
+        return nullptr;
+    }
+    LoadLineContext context{};
+    context.dc = dc.get();
+    context.bitmap = bitmap.get();
+    context.hInfo = info.get();
+    context.lineBytes = wordRowBytes(static_cast<DWORD>(header->biWidth), header->biBitCount).fit().value_or(0);
+    context.strideOrUsage = DIB_RGB_COLORS;
+    const bool decoded = decodeInto(
+        tiff, index, context, header->biBitCount == 24 ? asLineFunc<DllFlushTiffLine24> : asLineFunc<DllFlushTiffLine>);
+    if (!decoded && lastError() != Error::UnexpectedEnd) {
+        return nullptr;
+    }
+    return bitmap.release();
+}
+
+namespace {
+
+// Puts a bitmap onto the clipboard, which owns it from then on.
+bool putOnClipboard(OwnedBitmap bitmap) {
+    if (!bitmap) {
+        return false;
+    }
+    const Clipboard clipboard;
+    if (!clipboard) {
+        return false;
+    }
+    EmptyClipboard();
+    if (SetClipboardData(CF_BITMAP, bitmap.get()) == nullptr) {
+        return false;
+    }
+    (void)bitmap.release();
+    return true;
+}
+
+} // namespace
+} // namespace vellum
+
+extern "C" {
+
+DWORD VELLUMAPI DllFlushTiffLine(BYTE *line, DWORD row, LoadLineContext *context) {
+    vellum::placeInBitmap(line, row, *context);
+    return 0;
+}
+
+DWORD VELLUMAPI DllFlushTiffLine24(BYTE *line, DWORD row, LoadLineContext *context) {
+    vellum::exchangeRedAndBlue(line, context->lineBytes);
+    LoadLineContext rgb = *context;
+    rgb.strideOrUsage = DIB_RGB_COLORS;
+    vellum::placeInBitmap(line, row, rgb);
+    return 0;
+}
+
+HBITMAP VELLUMAPI LoadTiffChainIntoBitmap(TiffHandle tiff, DWORD index) {
+    return vellum::loadBitmap(tiff, index);
+}
+
+HBITMAP VELLUMAPI LoadTiffIntoBitmap(const char *path, DWORD index, LONG /*showInfo*/) {
+    const vellum::LoadedImage image(path, index);
+    return image ? vellum::loadBitmap(image.tiff(), index) : nullptr;
+}
+
+DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG /*showInfo*/) {
+    const vellum::LoadedImage image(path, index);
+    if (!image) {
+        // By design: callers tell a missing file from a failed load by TiffError, not by this result.
+        return 1;
+    }
+    return vellum::putOnClipboard(vellum::OwnedBitmap(vellum::loadBitmap(image.tiff(), index))) ? 1 : 0;
+}
+
+} // extern "C"

@@ -1,0 +1,57 @@
+// Loading of whole images: what the loaders share, and their inner functions.
+#pragma once
+
+#include "core/tiff_file.h"
+
+namespace vellum {
+
+// A TIFF that is open, with one image registered, for the lifetime of a load. Empty when either failed: the error is
+// set then.
+class LoadedImage {
+public:
+    LoadedImage(const char *path, DWORD index) : tiff_(OpenTiffFile(path, T_READ)), index_(index) {
+        if (tiff_ != nullptr && GetTiffImage(tiff_, index) == 0) {
+            CloseTiffFile(tiff_);
+            tiff_ = nullptr;
+        }
+    }
+    LoadedImage(const LoadedImage &) = delete;
+    LoadedImage &operator=(const LoadedImage &) = delete;
+    ~LoadedImage() {
+        if (tiff_ != nullptr) {
+            CloseTiffFile(tiff_);
+        }
+    }
+
+    explicit operator bool() const { return tiff_ != nullptr; }
+    [[nodiscard]] TiffHandle tiff() const { return tiff_; }
+    [[nodiscard]] DWORD index() const { return index_; }
+
+private:
+    TiffHandle tiff_;
+    DWORD index_;
+};
+
+// One of the loaders' line functions as a LineFunc, whose user value is the context's address.
+template <DWORD(VELLUMAPI *lineFunction)(BYTE *, DWORD, LoadLineContext *)>
+DWORD VELLUMAPI asLineFunc(BYTE *line, DWORD row, DWORD userValue) {
+    return lineFunction(line, row, reinterpret_cast<LoadLineContext *>(static_cast<UINT_PTR>(userValue)));
+}
+
+// Decodes a whole registered image through a line function that works on a context.
+inline bool decodeInto(TiffHandle tiff, DWORD index, LoadLineContext &context, LineFunc lineFunction) {
+    const auto userValue = static_cast<DWORD>(reinterpret_cast<UINT_PTR>(&context));
+    return DecodeTiffImage(tiff, index, 0, 0, userValue, lineFunction) != 0;
+}
+
+// True for the errors that leave a picture worth having: the data end early, or an end-of-facsimile code is missing or
+// comes too soon.
+bool leavesPartOfThePicture(Error error);
+
+// The packed DIB of a registered image; null when there is none, with the error set.
+HGLOBAL loadDib(TiffHandle tiff, DWORD index);
+
+// The bitmap of a registered image, for the screen; null when there is none.
+HBITMAP loadBitmap(TiffHandle tiff, DWORD index);
+
+} // namespace vellum

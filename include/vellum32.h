@@ -1,0 +1,476 @@
+/*
+ * vellum32.h - VELLUM32.DLL, a document-imaging library for 32-bit Windows programs.
+ *
+ * The one public header. It compiles alone as C89 to C17 and as C++11 to C++20. Link with the import library
+ * (libVELLUM32.dll.a for MinGW, vellum32.lib for linkers of the MSVC style) or look the functions up with
+ * GetProcAddress: the exported names are the plain ones below.
+ *
+ * Conventions that hold for every function:
+ *  - Calling convention: stdcall (VELLUMAPI). The library must be called by one thread at a time.
+ *  - Results: 1 (or a handle) for success and 0 for failure, unless a function's text says that it returns an error
+ *    number. The reason for a failure is then TiffError(). A successful call leaves the error number as it was, unless
+ *    its text says otherwise.
+ *  - Memory: a block that the library hands out is movable global memory, unlocked; the receiver frees it with
+ *    GlobalFree.
+ *  - Images are counted from 0 in the order of the file's chain of image file directories.
+ *
+ * TIFF is used as in TIFF revision 6.0; modified Huffman and Group 3 coding are those of ITU-T T.4, Group 4 (MMR)
+ * coding that of ITU-T T.6.
+ */
+#ifndef VELLUM32_H
+#define VELLUM32_H
+
+#include <windows.h>
+
+/* The calling convention of every exported function and of every callback. */
+#define VELLUMAPI __stdcall
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---------------------------------------------------------------- values ------------------------------------------ */
+
+/* Error numbers, as TiffError returns them. TiffErrorString gives their English messages. */
+#define VELLUM_OK 0                   /* the operation was successful */
+#define VELLUM_NO_MEMORY 1            /* not enough memory */
+#define VELLUM_BAD_OPEN_MODE 2        /* reserved: the open calls accept every mode */
+#define VELLUM_INDEX_OUT_OF_RANGE 3   /* image or tag index out of range; from a LineFunc: stop with success */
+#define VELLUM_STRIP_OUT_OF_RANGE 4   /* strip index out of range */
+#define VELLUM_UNEXPECTED_END 5       /* the data ended before the image was complete */
+#define VELLUM_IO_ERROR 6             /* a file or stream could not be opened, positioned, read or written */
+#define VELLUM_PATH_TOO_LONG 7        /* a path of more than 149 characters */
+#define VELLUM_NOT_TIFF 8             /* the file has no valid TIFF header */
+#define VELLUM_BAD_TAG 9              /* invalid directory tag */
+#define VELLUM_TAG_MISSING 10         /* an indispensable tag is missing */
+#define VELLUM_UNKNOWN_COMPRESSION 11 /* the Compression value, or its option, is not supported */
+#define VELLUM_CODE_ERROR 12          /* the compressed data are damaged */
+#define VELLUM_TAG_NOT_DEFINED 13     /* the directory has no such tag */
+#define VELLUM_BAD_BYTE_ORDER 14      /* neither "II" nor "MM" */
+#define VELLUM_BAD_FILL_ORDER 15      /* FillOrder is neither 1 nor 2 */
+#define VELLUM_BAD_COLOR_FORMAT 16    /* not 1, 4, 8 or 24 bits per pixel, or more than one plane */
+#define VELLUM_TOO_FEW_COLORS 17      /* too few colour table entries */
+#define VELLUM_NOT_CALS 18            /* the file has no valid CALS header */
+#define VELLUM_EOFB_MISSING 19        /* Group 4 data without an end-of-facsimile-block code */
+#define VELLUM_EOFB_UNEXPECTED 20     /* Group 4 data with an end-of-facsimile-block code before the last line */
+
+/* Open modes of OpenTiffFile and OpenTiffInMemory. Every other value counts as T_CREAT. */
+#define T_READ 0   /* an existing TIFF, for reading */
+#define T_CREAT 1  /* a new TIFF; nothing is read or written by the open call */
+#define T_APPEND 2 /* an existing TIFF that images are to be added to; a missing file counts as a new one */
+
+/* Byte orders. */
+#define VELLUM_BYTE_ORDER_II 0x4949 /* least significant byte first ("Intel") */
+#define VELLUM_BYTE_ORDER_MM 0x4D4D /* most significant byte first ("Motorola") */
+
+/* NumberOfTiffImages: count all images, whatever their kind. */
+#define VELLUM_ALL_IMAGES 0x8000
+
+/* Compression keys of the raw decoders: the TIFF Compression value in the low word, its option in the high word. */
+#define VELLUM_KEY_NONE 0x00001UL             /* uncompressed */
+#define VELLUM_KEY_MODIFIED_HUFFMAN 0x40002UL /* T.4 runs, every line starts on a byte; 2 means the same */
+#define VELLUM_KEY_GROUP3_1D 0x00003UL        /* T.4 one-dimensional */
+#define VELLUM_KEY_GROUP3_1D_FILL 0x40003UL   /* ... with fill bits before EOL */
+#define VELLUM_KEY_GROUP3_2D 0x10003UL        /* T.4 two-dimensional */
+#define VELLUM_KEY_GROUP3_2D_FILL 0x50003UL   /* ... with fill bits before EOL */
+#define VELLUM_KEY_GROUP4 0x00004UL           /* T.6 */
+#define VELLUM_KEY_LZW 0x10005UL              /* LZW */
+#define VELLUM_KEY_LZW_DIFFERENCING 0x20005UL /* LZW with horizontal differencing (Predictor 2) */
+#define VELLUM_KEY_JPEG 0x00006UL             /* JPEG, by the companion module */
+#define VELLUM_KEY_PACKBITS 0x08005UL         /* PackBits (32773) */
+
+/* ---------------------------------------------------------------- types ------------------------------------------- */
+
+/* An open TIFF: a movable global block that belongs to the library from the open call to CloseTiffFile. */
+typedef HGLOBAL TiffHandle;
+
+/*
+ * A byte stream: above 0 a file handle (HFILE) of the operating system, -2 to -30 a memory stream of the library.
+ */
+typedef LONG StreamHandle;
+
+/*
+ * The function that receives the lines of an image from a decoder, one call a line, top line first; or, when encoding,
+ * supplies them.
+ *   line       the line's bytes, valid (and writable) during the call only
+ *   lineIndex  the line's number in the image, from 0 at the top
+ *   userValue  the value given to the decode call, unchanged
+ * Result: 0 to go on; 3 to stop with success; any other number stops at once and becomes the error of the run.
+ *
+ * Bilevel lines of the CCITT decoders hold one bit a pixel, most significant bit first, 1 for black and 0 for white
+ * whatever PhotometricInterpretation says. Lines of the other decoders hold the image's samples as stored.
+ */
+typedef DWORD(VELLUMAPI *LineFunc)(BYTE *line, DWORD lineIndex, DWORD userValue);
+
+#pragma pack(push, 1)
+
+/* What GetTiffFileInfo tells of an open TIFF. */
+typedef struct TiffFileInfo {
+    char path[150];             /* NUL-terminated; empty for a TIFF in memory */
+    WORD byteOrder;             /* VELLUM_BYTE_ORDER_II or VELLUM_BYTE_ORDER_MM */
+    DWORD imageCount;           /* number of images */
+    DWORD firstDirectoryOffset; /* offset of image 0's directory from the start of the file */
+} TiffFileInfo;
+
+#pragma pack(pop)
+
+/*
+ * The state of one decoding or encoding run, as the codecs see it. A codec (the companion JPEG module is one) gets a
+ * pointer to it, moves bytes with the six buffer operations below, and returns an error number. The layout is fixed.
+ */
+typedef struct CodecState {
+    BYTE *codePointer;       /* next byte to read from, or to write into, the code buffer */
+    BYTE *linePointer;       /* next byte of the line buffer */
+    DWORD codeBytesLeft;     /* decoding: unread bytes in the code buffer; encoding: free bytes (at most 65535) */
+    LONG lineBytesLeft;      /* bytes of the current line that are still to come */
+    DWORD pixelsLeft;        /* pixels of the current line that are still to come */
+    DWORD userValue;         /* handed to every call of the line function */
+    DWORD stripEnd;          /* decoding: 1 when the line just delivered closed its strip; encoding: 1 while the
+                                current line is the last of its strip */
+    BITMAPINFOHEADER image;  /* width and height in pixels, bits per pixel, resolution; biHeight is the number of
+                                lines, or the last line + 1 when only a range is decoded */
+    LONG bytesPerLine;       /* (biWidth * biBitCount + 7) / 8 */
+    DWORD compressionKey;    /* VELLUM_KEY_... */
+    DWORD currentLine;       /* index of the next line to deliver or to fetch */
+    HGLOBAL bufferBlock;     /* the block that holds the line buffer and, behind it, the code buffer */
+    StreamHandle stream;     /* where the code comes from or goes to */
+    DWORD fillOrder;         /* 1: most significant bit first; 2: the bits of every code byte are reversed */
+    DWORD byteOrder;         /* VELLUM_BYTE_ORDER_II or VELLUM_BYTE_ORDER_MM, of the file's numbers */
+    BYTE *codeBuffer;        /* start of the code buffer */
+    DWORD bufferBase;        /* decoding: stream position of the code buffer's first byte; encoding: free bytes at
+                                the last reset */
+    LONG codeCapacity;       /* size of the code buffer in bytes */
+    DWORD streamLimit;       /* decoding: readable bytes of the stream; encoding: position of the current strip */
+    DWORD stripIndex;        /* current strip */
+    DWORD streamPosition;    /* decoding: position of the next read; encoding: bytes of the strip already written */
+    DWORD stripCount;        /* strips in the image */
+    DWORD rowsPerStrip;      /* lines in every strip but the last */
+    DWORD stripLastLine;     /* index of the current strip's last line */
+    HGLOBAL stripOffsets;    /* StripOffsets, one number a strip; NULL for a raw stream */
+    DWORD offsetsType;       /* 3: stripOffsets holds 16-bit numbers; otherwise 32-bit numbers */
+    HGLOBAL stripByteCounts; /* StripByteCounts, 32-bit numbers (written when encoding) */
+    LineFunc lineFunction;   /* receives or supplies the lines */
+    BYTE *lineBuffer;        /* start of the line buffer */
+    DWORD lineBufferSize;    /* bytesPerLine + 256: a codec may run past a line's end by up to 256 bytes */
+    WORD jpegProcess;        /* compression 6: JPEGProc */
+    WORD reserved;           /* 0 */
+    HGLOBAL workBlocks[4];   /* blocks of the codec, freed with the buffers. Compression 6: JPEGQTables, JPEGACTables,
+                                JPEGDCTables and ReferenceBlackWhite, as the file has them */
+} CodecState;
+
+/*
+ * Compression 6: what the companion module finds behind the CodecState it is handed, in the same piece of memory.
+ */
+typedef struct JpegCodecState {
+    CodecState codec;
+    DWORD tileWidth;             /* 0 when the image has no tiles */
+    DWORD tileLength;            /* likewise */
+    DWORD tilesAcross;           /* at least 1 */
+    DWORD tilesDown;             /* at least 1; codec.stripCount is the product */
+    DWORD planarConfiguration;   /* PlanarConfiguration */
+    DWORD restartInterval;       /* JPEGRestartInterval, 0 when absent */
+    DWORD subsamplingHorizontal; /* YCbCrSubSampling, for more than 8 bits per pixel; 0 otherwise */
+    DWORD subsamplingVertical;
+} JpegCodecState;
+
+/*
+ * What the loaders' line functions (DllFlushTiffLine...) work on. A program that hands one of them to DecodeTiffImage
+ * itself fills the record and passes its address as the user value.
+ */
+typedef struct LoadLineContext {
+    HDC dc;              /* bitmap callbacks: a screen device context */
+    HBITMAP bitmap;      /* bitmap callbacks: the bitmap to fill */
+    HGLOBAL hInfo;       /* the BITMAPINFOHEADER and colour table (for the DIB callbacks: the whole packed DIB) */
+    BYTE *bits;          /* DIB callbacks: first byte of the locked DIB's rows */
+    DWORD height;        /* DIB callbacks: rows of the DIB */
+    DWORD lineBytes;     /* bytes of one decoded line to use */
+    DWORD strideOrUsage; /* DIB callbacks: bytes from row to row; bitmap callbacks: DIB_RGB_COLORS */
+} LoadLineContext;
+
+/* ---------------------------------------------------------------- open files and errors --------------------------- */
+
+/*
+ * Opens a TIFF file.
+ *   path  at most 149 characters
+ *   mode  T_READ, T_APPEND: the header and the chain of directories are read; T_CREAT: nothing is touched
+ * Result: a handle for CloseTiffFile, or NULL. The error number is cleared first. A chain that breaks behind a readable
+ * image gives a handle on the images before the break, with error 6 pending. At most 1000 images are taken.
+ * Errors: 1, 6 (not readable, or no complete first directory), 7, 8, 14. The file is not kept open.
+ */
+TiffHandle VELLUMAPI OpenTiffFile(const char *path, DWORD mode);
+
+/*
+ * Opens a TIFF held in memory.
+ *   memory  a movable block that stays the caller's and must outlive the handle. While it is being written to, the
+ *           library may move it: GetMemoryTiffHandle tells where it is.
+ *   size    the TIFF's bytes in it
+ *   mode    as for OpenTiffFile
+ * Result and errors as for OpenTiffFile. Only one memory TIFF is read or written at a time.
+ */
+TiffHandle VELLUMAPI OpenTiffInMemory(HGLOBAL memory, DWORD size, DWORD mode);
+
+/*
+ * Closes a TIFF, drops its images and unloads the companion JPEG module. The block of a memory TIFF stays the caller's.
+ * Result: 1, or 0 when the handle is not one.
+ */
+DWORD VELLUMAPI CloseTiffFile(TiffHandle tiff);
+
+/*
+ * Frees the tags of an image that GetTiffImage loaded.
+ * Result: 1 when they were freed. When the image was not registered: 1 if no error is pending, else 0.
+ * Errors: 3 for an index above 999.
+ */
+DWORD VELLUMAPI DropTiffImage(TiffHandle tiff, DWORD index);
+
+/*
+ * Result: 1 when the image's tags are in memory (GetTiffImage, and DropTiffImage not yet), else 0.
+ * Errors: 3 for an index outside 0 to 999, whatever the number of images.
+ */
+DWORD VELLUMAPI IsTiffImageRegistered(TiffHandle tiff, LONG index);
+
+/*
+ * Counts images.
+ *   subfileType  VELLUM_ALL_IMAGES for all of them. Any other value counts the entries of the table of 1000 images
+ *                whose flags are exactly this value: 0 full-resolution images (with all unused entries), 1 reduced
+ *                resolution, 2 page of several; plus 0x4000 for registered images.
+ */
+LONG VELLUMAPI NumberOfTiffImages(TiffHandle tiff, DWORD subfileType);
+
+/* Result: the number of images in a file, or 0xFFFFFFFF when it cannot be opened. Errors: as OpenTiffFile. */
+DWORD VELLUMAPI GetNumberOfImagesInTiffFile(const char *path);
+
+/* Fills *info. Result: always 1. */
+DWORD VELLUMAPI GetTiffFileInfo(TiffHandle tiff, TiffFileInfo *info);
+
+/*
+ * Changes the path or the byte order that an open TIFF goes by.
+ *   path       the new path, or NULL to keep it
+ *   byteOrder  VELLUM_BYTE_ORDER_II or _MM, or 0 to keep it
+ * Result: 1 or 0. Errors: 7 for a path of more than 149 characters (the path is then kept), 14.
+ */
+LONG VELLUMAPI ModiTiffFileInfo(TiffHandle tiff, const char *path, LONG byteOrder);
+
+/* Result: the block that holds a memory TIFF now; NULL for a file. It stays the caller's. */
+HGLOBAL VELLUMAPI GetMemoryTiffHandle(TiffHandle tiff);
+
+/* Asks the system for room for this many open files. Result: how many there is room for. */
+DWORD VELLUMAPI SetTiffDllFileHandle(DWORD count);
+
+/* Result: the number of the last error. */
+DWORD VELLUMAPI TiffError(void);
+
+/* Sets the error number, if it is below 22. Result: the number before. */
+DWORD VELLUMAPI SetTiffError(DWORD code);
+
+/*
+ * Gives the English message of an error.
+ *   buffer  room for 43 bytes, or NULL to show the message in a message box
+ *   code    0 to 21; any other value means the current error
+ * Result: buffer.
+ */
+char *VELLUMAPI TiffErrorString(char *buffer, DWORD code);
+
+/*
+ * Writes the text "Version 7.00" with its terminator; a length below 13 gives that many characters and no terminator,
+ * one of 0 or less nothing.
+ */
+void VELLUMAPI GetTiffVersion(char *buffer, LONG length);
+
+/* ---------------------------------------------------------------- streams ----------------------------------------- */
+
+/*
+ * Read count bytes. Result: the bytes read, or -1. A memory stream always delivers the full count; what lies outside
+ * its block reads as zeros.
+ */
+LONG VELLUMAPI mRead(StreamHandle stream, BYTE *buffer, LONG count);
+
+/* Writes count bytes. Result: the bytes written, or -1. A memory stream grows by just what is needed. */
+LONG VELLUMAPI mWrite(StreamHandle stream, const BYTE *buffer, DWORD count);
+
+/*
+ * Moves the position.
+ *   origin  0 from the start, 1 from the current position, 2 from the end. From the end of a memory stream the offset
+ *           counts backwards: mSeek(s, 10, 2) is 10 bytes before its end. A file takes it as _llseek does.
+ * Result: the new position, or -1. A memory stream takes no position behind its end.
+ */
+LONG VELLUMAPI mSeek(StreamHandle stream, LONG offset, LONG origin);
+
+/* Result: the position, or -1. */
+LONG VELLUMAPI mTell(StreamHandle stream);
+
+/* Result: the size in bytes, or -1. */
+LONG VELLUMAPI mSize(StreamHandle stream);
+
+/* Closes a stream. Result: 0, or -1. The block of a memory stream stays the caller's. */
+LONG VELLUMAPI mClose(StreamHandle stream);
+
+/*
+ * Reads values of a TIFF field type and converts them to the machine's byte order.
+ *   type       TIFF field type: 3 SHORT (2 bytes), 4 LONG and 9 SLONG (4), 5 RATIONAL (two LONGs), all others 1 byte
+ *   count      number of values; 0 succeeds
+ *   byteOrder  VELLUM_BYTE_ORDER_MM swaps; everything else does not
+ *   fillOrder  2 reverses the bits of every byte
+ * Result: 1, or 0 with error 6 when the stream ends early.
+ */
+DWORD VELLUMAPI LongRead(StreamHandle stream, DWORD type, DWORD count, BYTE *buffer, LONG byteOrder, LONG fillOrder);
+
+/* Writes values; the counterpart of LongRead. The buffer is unchanged unless memory for a copy is lacking. */
+DWORD VELLUMAPI LongWrite(StreamHandle stream, LONG type, DWORD count, BYTE *buffer, LONG byteOrder, LONG fillOrder);
+
+/* ---------------------------------------------------------------- image queries ----------------------------------- */
+
+/*
+ * Loads an image's tags; the other queries need it. An image that is registered already is left alone.
+ * Result: 1 or 0. Errors: 1, 3, 6. A 3 that is still pending from an earlier call makes the call fail too.
+ */
+DWORD VELLUMAPI GetTiffImage(TiffHandle tiff, DWORD index);
+
+/*
+ * Gets the first value of a tag.
+ *   value  by the tag's type: BYTE 1 byte, SHORT a DWORD, LONG a DWORD, RATIONAL two DWORDs (numerator, denominator);
+ *          for any other type nothing is written. NULL just asks whether the tag is there.
+ * Result: 1 when the image is registered and has the tag, else 0. Errors: 3, 13.
+ */
+LONG VELLUMAPI GetTiffImageInfo(TiffHandle tiff, DWORD index, LONG tag, void *value);
+
+/*
+ * Gets all values of a tag, in the machine's byte order.
+ *   tag    0 for the list of the image's tag numbers (type LONG)
+ *   data   receives a new block that the caller frees; or NULL
+ *   type   receives the TIFF field type; or NULL
+ *   count  receives the number of values; or NULL
+ * Result: 1 or 0. Errors: 1, 3, 13.
+ */
+LONG VELLUMAPI GetTiffImageInfoBuffer(TiffHandle tiff, DWORD index, LONG tag, HGLOBAL *data, DWORD *type, DWORD *count);
+
+/*
+ * Describes an image as a bottom-up Windows bitmap of 1, 4, 8 or 24 bits per pixel.
+ * Result: 0, or the error number: 10 (no ImageWidth or ImageLength), 16.
+ */
+DWORD VELLUMAPI GetTiffDimensions(TiffHandle tiff, DWORD index, BITMAPINFOHEADER *header);
+
+/*
+ * Makes an image's BITMAPINFOHEADER and colour table.
+ * Result: a block that the caller frees, or NULL. Errors: 1, 10 (also: a palette image without a ColorMap), 16.
+ */
+HGLOBAL VELLUMAPI GetTiffRGBQuad(TiffHandle tiff, DWORD index);
+
+/* Result: a logical palette of an image's colours, to be deleted by the caller; NULL on failure and for 1-bit images.
+ */
+HPALETTE VELLUMAPI GetTiffImagePalette(const char *path, DWORD index);
+
+/* Result: lines in a strip, at most the image length; 0 when the image has no length. */
+DWORD VELLUMAPI GetTiffRowsPerStrip(TiffHandle tiff, DWORD index);
+
+/* Result: the number of strips; 0 when the image has no StripOffsets. */
+LONG VELLUMAPI GetTiffStripCount(TiffHandle tiff, DWORD index);
+
+/*
+ * Gets the resolution in dots per inch: vertical in the high word, horizontal in the low word, 0 when the image's unit
+ * is none of 1, 2 and 3. An image without resolution tags has the screen's. Result: always 0.
+ */
+DWORD VELLUMAPI GetTiffImageDPI(TiffHandle tiff, DWORD index, DWORD *dpi);
+
+/* ---------------------------------------------------------------- codec buffers ----------------------------------- */
+
+/*
+ * The buffer operations, for codecs. Each returns an error number: 0; 1; 3 when the last line has passed (a codec then
+ * returns 0); 5 at the end of the stream; 6; or what the line function returned.
+ */
+
+/* Allocates a decoder's buffers and moves to the first strip. */
+DWORD VELLUMAPI InitDecodeBuffers(CodecState *state);
+
+/* Allocates an encoder's buffers, notes where the first strip begins and fetches the first line. */
+DWORD VELLUMAPI InitEncodeBuffers(CodecState *state);
+
+/* Reads the next code bytes. */
+DWORD VELLUMAPI FillCodeBuffer(CodecState *state);
+
+/* Writes the code buffer's used part. */
+DWORD VELLUMAPI FlushCodeBuffer(CodecState *state);
+
+/* Closes the strip if the line before ended one, then fetches the next line. */
+DWORD VELLUMAPI FillDataBuffer(CodecState *state);
+
+/* Delivers the line and moves to the next strip if it closed one. */
+DWORD VELLUMAPI FlushDataBuffer(CodecState *state);
+
+/* ---------------------------------------------------------------- decoding ---------------------------------------- */
+
+/*
+ * Decodes a registered image, or some of its lines.
+ *   firstStrip    strip to start at; 0 for the whole image
+ *   lineCount     lines to deliver from there; 0 for all
+ *   userValue     handed to lineFunction
+ *   lineFunction  receives the lines
+ * Result: 1 or 0; the error number is set either way, to 0 on success.
+ * Errors: 3 (not registered, or no such strip), 5, 6, 10, 11, 12, 15, 16, 20, or what lineFunction returned.
+ * For compression 6 the companion module DCTLIB32.DLL is loaded; without it a message box is shown, no line delivered
+ * and success reported.
+ */
+DWORD VELLUMAPI DecodeTiffImage(TiffHandle tiff, DWORD index, DWORD firstStrip, DWORD lineCount, DWORD userValue,
+                                LineFunc lineFunction);
+
+/*
+ * Decodes a headerless code stream from its current position, most significant bit first.
+ *   compressionKey  VELLUM_KEY_...
+ * Result and errors as for DecodeTiffImage. The stream stays open.
+ */
+DWORD VELLUMAPI DecodeCcittImage(StreamHandle stream, DWORD width, DWORD height, DWORD compressionKey, DWORD userValue,
+                                 LineFunc lineFunction);
+
+/*
+ * As DecodeCcittImage, from an offset and in either bit order.
+ *   offset     where the code starts; 0, or an offset outside the stream, means the current position
+ *   fillOrder  1 or 2; anything else counts as 1
+ *   byteOrder  VELLUM_BYTE_ORDER_II or _MM; anything else counts as II
+ */
+DWORD VELLUMAPI DecodeCcittImageFrom(StreamHandle stream, DWORD offset, DWORD width, DWORD height, DWORD compressionKey,
+                                     DWORD fillOrder, DWORD byteOrder, DWORD userValue, LineFunc lineFunction);
+
+/*
+ * Decodes a stream of MMR blocks, each with the header FE 92 and a 16-bit length (most significant byte first; 0 means
+ * 65520), from a file (not from memory). The fifth argument is reserved.
+ */
+DWORD VELLUMAPI DecodeMMRImage(StreamHandle stream, DWORD offset, DWORD width, DWORD height, DWORD reserved,
+                               DWORD fillOrder, DWORD byteOrder, DWORD userValue, LineFunc lineFunction);
+
+/* ---------------------------------------------------------------- loading ----------------------------------------- */
+
+/*
+ * Loads an image into a packed DIB (header, colour table, bottom-up rows padded to 32 bits).
+ *   showInfo  non-zero asks for the information dialog first
+ * Result: a block that the caller frees, or NULL. An image whose data end early comes back as far as it goes, its other
+ * lines zero, with error 5, 19 or 20 pending; on full success the error is 0.
+ * Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage.
+ */
+HGLOBAL VELLUMAPI LoadTiffIntoDIB(const char *path, DWORD index, LONG showInfo);
+
+/* Loads an image into a bitmap for the screen, to be deleted by the caller. An early end (5) keeps what there is. */
+HBITMAP VELLUMAPI LoadTiffIntoBitmap(const char *path, DWORD index, LONG showInfo);
+
+/* As LoadTiffIntoBitmap, of an open file whose image is registered. */
+HBITMAP VELLUMAPI LoadTiffChainIntoBitmap(TiffHandle tiff, DWORD index);
+
+/*
+ * Puts an image onto the clipboard as a bitmap.
+ * Result: 1; also 1 when the file cannot be opened or the image not be registered (ask TiffError); 0 otherwise.
+ */
+DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG showInfo);
+
+/*
+ * The loaders' line functions: into a device-dependent bitmap (...Line, and ...Line24 for 24 bits per pixel) or into a
+ * packed DIB (...LineDIB, ...Line24DIB). Those for 24 bits exchange red and blue in the line they are given.
+ * Result: 0.
+ */
+DWORD VELLUMAPI DllFlushTiffLine(BYTE *line, DWORD row, LoadLineContext *context);
+DWORD VELLUMAPI DllFlushTiffLine24(BYTE *line, DWORD row, LoadLineContext *context);
+DWORD VELLUMAPI DllFlushTiffLineDIB(BYTE *line, DWORD row, LoadLineContext *context);
+DWORD VELLUMAPI DllFlushTiffLine24DIB(BYTE *line, DWORD row, LoadLineContext *context);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* VELLUM32_H */

@@ -1,0 +1,128 @@
+// The program itself: help, version and command lines that make no sense.
+#include "cli/small_tiffs.h"
+#include "cli/vellum_process.h"
+
+#include <gtest/gtest.h>
+
+namespace vellum::test {
+namespace {
+
+constexpr const char *kShortHelp = R"(Usage: vellum COMMAND [options] FILE...
+
+Commands:
+  info     tell what is in TIFF files
+  convert  turn pages into Windows bitmaps
+  check    decode every page and tell which ones are whole
+
+'vellum COMMAND --help' tells more about a command.
+)";
+
+TEST(CommandLine, AloneTheProgramShowsShortHelpOnStandardErrorWithStatus2) {
+    const Outcome outcome = WorkFolder().run({});
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, kShortHelp);
+    EXPECT_EQ(outcome.status, 2U);
+}
+
+TEST(CommandLine, HelpGoesToStandardOutputWithStatus0) {
+    const WorkFolder folder;
+    const Outcome outcome = folder.run({"--help"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+    EXPECT_EQ(outcome.out.rfind("vellum - look into, convert and check TIFF files\n", 0), 0U) << outcome.out;
+    EXPECT_NE(outcome.out.find(kShortHelp), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("Exit status: 0"), std::string::npos) << outcome.out;
+    EXPECT_EQ(folder.run({"-h"}).out, outcome.out);
+    EXPECT_EQ(folder.run({"help"}).out, outcome.out);
+}
+
+TEST(CommandLine, EveryCommandHasHelpOfItsOwn) {
+    const WorkFolder folder;
+    for (const std::string command : {"info", "convert", "check"}) {
+        const Outcome outcome = folder.run({command, "--help"});
+        EXPECT_EQ(outcome.out.rfind("vellum " + command + " - ", 0), 0U) << outcome.out;
+        EXPECT_NE(outcome.out.find("Usage: vellum " + command + " "), std::string::npos) << outcome.out;
+        EXPECT_NE(outcome.out.find("Exit status:"), std::string::npos) << outcome.out;
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.status, 0U);
+        EXPECT_EQ(folder.run({"help", command}).out, outcome.out);
+        EXPECT_EQ(folder.run({command, "no-such.tif", "-h"}).out, outcome.out);
+    }
+}
+
+TEST(CommandLine, HelpFitsInto80Columns) {
+    const WorkFolder folder;
+    for (const std::string command : {"--help", "info", "convert", "check"}) {
+        std::string text = folder.run({command, "--help"}).out;
+        ASSERT_FALSE(text.empty());
+        while (!text.empty()) {
+            const std::size_t length = text.find('\n');
+            EXPECT_LE(length, 80U) << text.substr(0, length);
+            text.erase(0, length + 1);
+        }
+    }
+}
+
+TEST(CommandLine, VersionIsTheLibrarys) {
+    const Outcome outcome = WorkFolder().run({"--version"});
+    EXPECT_EQ(outcome.out, "vellum, VELLUM32.DLL Version 7.00\n");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+}
+
+struct Misuse {
+    std::vector<std::string> words;
+    const char *message;
+};
+
+TEST(CommandLine, MisuseIsExplainedWithStatus2) {
+    const Misuse misuses[] = {
+        {{"frobnicate"}, "vellum: unknown command 'frobnicate'\nTry 'vellum --help'.\n"},
+        {{"--frobnicate"}, "vellum: unknown option '--frobnicate'\nTry 'vellum --help'.\n"},
+        {{"help", "frobnicate"}, "vellum: unknown command 'frobnicate'\nTry 'vellum --help'.\n"},
+        {{"info"}, "vellum info: no file given\nTry 'vellum info --help'.\n"},
+        {{"check"}, "vellum check: no file given\nTry 'vellum check --help'.\n"},
+        {{"info", "--frob", "a.tif"}, "vellum info: unknown option '--frob'\nTry 'vellum info --help'.\n"},
+        {{"info", "--json=yes", "a.tif"}, "vellum info: option '--json' takes no value\nTry 'vellum info --help'.\n"},
+        {{"check", "-q", "--quiet", "a.tif"},
+         "vellum check: option '--quiet' is given twice\nTry 'vellum check --help'.\n"},
+        {{"convert", "a.tif"},
+         "vellum convert: one input file and one output file are needed\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "b.bmp"},
+         "vellum convert: one input file and one output file are needed\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--page"},
+         "vellum convert: option '--page' needs a value\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--page", "0"},
+         "vellum convert: option '--page' wants a page number from 1 on, not '0'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--page=2x"},
+         "vellum convert: option '--page' wants a page number from 1 on, not '2x'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--page=99999999999"},
+         "vellum convert: option '--page' wants a page number from 1 on, not '99999999999'\n"
+         "Try 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--page", "2", "--all"},
+         "vellum convert: '--page' and '--all' exclude each other\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.png"},
+         "vellum convert: the output's name must end in .bmp, not 'a.png'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.bmp", "A.BMP"},
+         "vellum convert: the output would replace the input\nTry 'vellum convert --help'.\n"},
+    };
+    const WorkFolder folder;
+    for (const Misuse &misuse : misuses) {
+        const Outcome outcome = folder.run(misuse.words);
+        EXPECT_EQ(outcome.err, misuse.message);
+        EXPECT_EQ(outcome.out, "") << misuse.message;
+        EXPECT_EQ(outcome.status, 2U) << misuse.message;
+    }
+    EXPECT_TRUE(folder.files().empty());
+}
+
+TEST(CommandLine, TwoDashesEndTheOptions) {
+    const WorkFolder folder;
+    folder.put("--json", smallPage());
+    const Outcome outcome = folder.run({"info", "--", "--json"});
+    EXPECT_EQ(outcome.out.rfind("--json: 1 page, ", 0), 0U) << outcome.out;
+    EXPECT_EQ(outcome.status, 0U);
+}
+
+} // namespace
+} // namespace vellum::test

@@ -1,0 +1,44 @@
+// Runs vellum.exe in a folder of the test's own and catches what it prints. The program is the one that was built
+// beside the tests (../bin).
+#pragma once
+
+#include "support/paths.h"
+
+#include <string>
+#include <vector>
+
+namespace vellum::test {
+
+struct Outcome {
+    std::string out;
+    std::string err;
+    DWORD status = 0;
+};
+
+// A folder for one test, deleted with all that is in it.
+class WorkFolder {
+public:
+    WorkFolder();
+    WorkFolder(const WorkFolder &) = delete;
+    WorkFolder &operator=(const WorkFolder &) = delete;
+    ~WorkFolder();
+
+    // Runs "vellum WORDS..." in the folder. Words are UTF-8 and may hold blanks.
+    [[nodiscard]] Outcome run(const std::vector<std::string> &words) const;
+
+    // Names in the folder, with "/" between folders.
+    void put(const std::string &name, const Bytes &content) const;
+    [[nodiscard]] std::optional<Bytes> get(const std::string &name) const;
+    void makeFolder(const std::string &name) const;
+    [[nodiscard]] std::string path(const std::string &name) const { return path_ + "\\" + name; }
+    // All files of the folder itself, in order of name.
+    [[nodiscard]] std::vector<std::string> files() const;
+
+private:
+    std::string path_;
+};
+
+// A picture that comes with the project, from examples/samples.
+Bytes bundled(const std::string &name);
+
+} // namespace vellum::test

@@ -1,0 +1,66 @@
+// What tests can ask of the Win32 shim: make a chosen call fail, see what was shown, and hand out a companion module.
+// Tests that serve both platforms use support/faults.h, which is built on this.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace vellum::shim {
+
+// A call that can be made to fail: the countdown reaches 0 at the call that fails; below 0 none does. Every call
+// counts, so that a test can learn how many there are.
+struct Fault {
+    long countdown = -1;
+    unsigned long calls = 0;
+
+    // Counts a call; true when it is to fail.
+    bool hit() {
+        ++calls;
+        return countdown >= 0 && countdown-- == 0;
+    }
+};
+
+struct State {
+    Fault globalAlloc;   // GlobalAlloc
+    Fault globalReAlloc; // GlobalReAlloc
+    Fault globalLock;    // GlobalLock
+    Fault openFile;      // OpenFile, _lopen, _lcreat, CreateFileA
+    Fault read;          // _lread, _hread, ReadFile
+    Fault write;         // _lwrite, _hwrite, WriteFile
+    Fault seek;          // _llseek
+
+    // What GetVersion answers; bit 31 is set on systems other than Windows NT.
+    DWORD systemVersion = 0x0A280105;
+
+    // MessageBoxA: the last one, and how many there were.
+    std::string messageText;
+    std::string messageCaption;
+    UINT messageStyle = 0;
+    int messageCount = 0;
+
+    // The module that LoadLibraryA finds under this name, and its one entry; without a name every load fails.
+    std::string moduleName;
+    std::string moduleEntry;
+    FARPROC moduleFunction = nullptr;
+    int moduleLoads = 0; // loads less frees
+
+    // Resources in use.
+    long blocks = 0;      // global blocks allocated and not freed
+    SIZE_T bytes = 0;     // in them
+    SIZE_T peakBytes = 0; // the most there ever were; a test sets it back
+    long locks = 0;       // sum of the lock counts
+    long openFiles = 0;   // file handles
+    long screenDcs = 0;   // device contexts
+    HCURSOR cursor = nullptr;
+
+    // Fresh blocks without GMEM_ZEROINIT are filled with this byte; two runs with different ones show bytes that were
+    // never written.
+    BYTE freshByte = 0xCD;
+
+    DWORD lastError = 0;
+};
+
+extern State state;
+
+} // namespace vellum::shim

@@ -1,0 +1,66 @@
+// Walking folders.
+#include "tools/file_walk.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+void FileWalk::folder(const FileName &name) {
+    if (!isNew(name)) {
+        return;
+    }
+    std::vector<std::wstring> files;
+    std::vector<std::wstring> folders;
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW(name.child(L"*").forSystem().c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        if (GetLastError() != ERROR_FILE_NOT_FOUND) { // which an empty root folder gives
+            onFailure_(name);
+        }
+        return;
+    }
+    do {
+        const std::wstring entry = found.cFileName;
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            files.push_back(entry);
+        } else if (entry != L"." && entry != L"..") {
+            folders.push_back(entry);
+        }
+    } while (FindNextFileW(search, &found) != 0);
+    FindClose(search);
+
+    std::ranges::sort(files);
+    std::ranges::sort(folders);
+    for (const std::wstring &entry : files) {
+        const FileName file = name.child(entry);
+        if (file.hasExtension(".tif") || file.hasExtension(".tiff")) {
+            onFile_(file);
+        }
+    }
+    for (const std::wstring &entry : folders) {
+        folder(name.child(entry));
+    }
+}
+
+bool FileWalk::isNew(const FileName &folder) {
+    const HANDLE handle =
+        CreateFileW(folder.forSystem().c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return true; // the listing will tell what is wrong
+    }
+    BY_HANDLE_FILE_INFORMATION information;
+    const bool known = GetFileInformationByHandle(handle, &information) != 0;
+    CloseHandle(handle);
+    if (!known) {
+        return true;
+    }
+    const ULONGLONG number = (ULONGLONG{information.nFileIndexHigh} << 32) | information.nFileIndexLow;
+    return walked_.emplace(information.dwVolumeSerialNumber, number).second;
+}
+
+} // namespace tool
