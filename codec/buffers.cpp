@@ -2,6 +2,7 @@
 // the loaded span is entered without a new read.
 #include "codec/buffers.h"
 
+#include "codec/strip_table.h"
 #include "core/stream.h"
 #include "support/byte_order.h"
 
@@ -14,7 +15,6 @@ namespace {
 // What the buffer base is set to before anything is loaded: no offset can be taken for one inside the empty buffer.
 constexpr DWORD kNothingLoaded = 0xFFFFFF;
 
-constexpr DWORD kTypeShort = 3;
 constexpr DWORD kByteType = 1;
 constexpr DWORD kBlockHeaderBytes = 4;
 
@@ -23,16 +23,6 @@ constexpr DWORD kFarOffset = 32768;
 
 // The compression 6 strips with JPEGProc 0 begin with 8 bytes that are no code.
 constexpr DWORD kOldJpegPrefix = 8;
-
-std::optional<DWORD> stripOffset(const CodecState &state, DWORD strip) {
-    const GlobalView<const BYTE> offsets(state.stripOffsets, 1);
-    const std::size_t entryBytes = state.offsetsType == kTypeShort ? sizeof(WORD) : sizeof(DWORD);
-    if (!offsets || strip >= offsets.bytes() / entryBytes) {
-        return std::nullopt;
-    }
-    const BYTE *entry = offsets.get() + strip * entryBytes;
-    return state.offsetsType == kTypeShort ? load<WORD>(entry) : load<DWORD>(entry);
-}
 
 std::optional<DWORD> currentStripOffset(const CodecState &state) {
     auto offset = stripOffset(state, state.stripIndex);
@@ -126,8 +116,12 @@ Error initBlockDecodeBuffers(CodecState &state) {
 }
 
 Error fillCodeBuffer(CodecState &state) {
+    return fillCodeBufferUpTo(state, static_cast<DWORD>(state.codeCapacity));
+}
+
+Error fillCodeBufferUpTo(CodecState &state, DWORD mostBytes) {
     const DWORD readable = state.streamLimit > state.streamPosition ? state.streamLimit - state.streamPosition : 0;
-    const DWORD count = std::min(static_cast<DWORD>(state.codeCapacity), readable);
+    const DWORD count = std::min({static_cast<DWORD>(state.codeCapacity), mostBytes, readable});
     state.bufferBase = state.streamPosition;
     state.codeBytesLeft = count;
     state.streamPosition += count;

@@ -31,6 +31,8 @@ DWORD lastLine(const CodecState &state);
 Error initDecodeBuffers(CodecState &state);
 Error initBlockDecodeBuffers(CodecState &state);
 Error fillCodeBuffer(CodecState &state);
+// The same with at most so many bytes, for codecs that know how much they can use.
+Error fillCodeBufferUpTo(CodecState &state, DWORD mostBytes);
 Error fillCodeBlock(CodecState &state);
 
 // Delivers a finished line, which lies in the line buffer or, whole, in the code buffer; then moves to the next strip

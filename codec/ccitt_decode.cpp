@@ -6,6 +6,8 @@
 #include "codec/buffers.h"
 #include "codec/ccitt_lines.h"
 
+#include <utility>
+
 namespace vellum {
 namespace {
 
@@ -21,8 +23,9 @@ struct CcittRun {
     CodecState &state;
     BitReader reader;
     LONG width;
-    ChangingElements line;      // the line being decoded
-    ChangingElements reference; // the line before, closed; white at the start of a strip
+    ChangingElements lists[2];
+    ChangingElements *line = &lists[0];      // the line being decoded
+    ChangingElements *reference = &lists[1]; // the line before, closed; white at the start of a strip
 };
 
 // Reads one bit or a short word. False at the end of the stream.
@@ -36,14 +39,14 @@ struct CcittRun {
 }
 
 // Decodes lines with a coding until the image is complete. A coding has startStrip() and nextLine(), which leaves a
-// line with data in run.line.
+// line with data in run.line, and kRefersToLineBefore.
 template <class Coding>
 Error decodeLines(CcittRun &run, Coding coding) {
     CodecState &state = run.state;
     for (bool stripStarts = true;;) {
         if (stripStarts) {
             run.reader.start();
-            if (!run.reference.setWhite(run.width)) {
+            if (!run.reference->setWhite(run.width)) {
                 return Error::NoMemory;
             }
             coding.startStrip();
@@ -51,11 +54,13 @@ Error decodeLines(CcittRun &run, Coding coding) {
         if (const Error error = coding.nextLine(run); error != Error::None) {
             return error;
         }
-        drawLine(run.line, state.lineBuffer, state.bytesPerLine, run.width);
+        drawLine(*run.line, state.lineBuffer, state.bytesPerLine, run.width);
         if (const Error error = flushDataBuffer(state); error != Error::None) {
             return endOfRun(error);
         }
-        swap(run.line, run.reference);
+        if constexpr (Coding::kRefersToLineBefore) {
+            std::swap(run.line, run.reference);
+        }
         stripStarts = state.stripEnd != 0;
     }
 }
@@ -65,11 +70,16 @@ Error decodeLines(CcittRun &run, Coding coding) {
 struct OneDimensional {
     bool linesStartOnBytes;
 
+    static constexpr bool kRefersToLineBefore = false;
+
     void startStrip() {}
 
     Error nextLine(CcittRun &run) {
         for (;;) {
-            const LineResult result = decodeOneDimensionalLine(run.reader, run.line, run.width);
+            if (!passZeros(run.reader)) {
+                return run.reader.error();
+            }
+            const LineResult result = decodeOneDimensionalLine(run.reader, *run.line, run.width);
             if (result.end == LineEnd::Failure) {
                 return result.error;
             }
@@ -84,11 +94,31 @@ struct OneDimensional {
             }
         }
     }
+
+private:
+    // Passes over the EOL in front of a line, if there is one.
+    [[nodiscard]] bool passZeros(BitReader &reader) const {
+        if (!reader.refill()) {
+            return false;
+        }
+        if (reader.peek(kZeroPrefixBits) != 0) {
+            return true;
+        }
+        if (!reader.takeZerosAndOne()) {
+            return false;
+        }
+        if (linesStartOnBytes) {
+            reader.takeRestOfByte();
+        }
+        return true;
+    }
 };
 
 // Lines behind EOLs with tag bits, 1 for a one-dimensional line and 0 for a two-dimensional one; lines without an EOL
 // are of the coding's own kind.
 struct Tagged {
+    static constexpr bool kRefersToLineBefore = true;
+
     enum class Kind : BYTE { OneDimensional, TwoDimensional };
 
     Kind kindWithoutEol;
@@ -106,8 +136,8 @@ struct Tagged {
                 return error;
             }
             const LineResult result = kind == Kind::OneDimensional
-                                          ? decodeOneDimensionalLine(run.reader, run.line, run.width)
-                                          : decodeTwoDimensionalLine(run.reader, run.reference, run.line, run.width);
+                                          ? decodeOneDimensionalLine(run.reader, *run.line, run.width)
+                                          : decodeTwoDimensionalLine(run.reader, *run.reference, *run.line, run.width);
             if (result.end == LineEnd::Failure) {
                 return result.error;
             }
@@ -153,10 +183,12 @@ private:
 
 // Two-dimensional lines only, with EOFB behind the last one.
 struct Group4 {
+    static constexpr bool kRefersToLineBefore = true;
+
     void startStrip() {}
 
     static Error nextLine(CcittRun &run) {
-        const LineResult result = decodeTwoDimensionalLine(run.reader, run.reference, run.line, run.width);
+        const LineResult result = decodeTwoDimensionalLine(run.reader, *run.reference, *run.line, run.width);
         switch (result.end) {
         case LineEnd::Width:
             return Error::None;

@@ -67,11 +67,14 @@ public:
 
     void afterPass() { b1_ += 2; }
 
-    // The colour has changed at a1, a vertical mode's position.
-    void afterVertical(LONG a1) {
+    // The colour has changed at a1, a vertical mode's position, which a shift to the left may have put before elements
+    // already passed.
+    void afterVertical(LONG a1, int shift) {
         ++b1_;
-        while (b1_ - start_ >= 2 && b1_[-2] > a1) {
-            b1_ -= 2;
+        if (shift < 0) {
+            while (b1_ - start_ >= 2 && b1_[-2] > a1) {
+                b1_ -= 2;
+            }
         }
         afterHorizontal(a1);
     }
@@ -123,7 +126,7 @@ LineResult twoDimensionalLine(BitReader &bits, const ChangingElements &reference
         case Mode::Vertical:
             a0 = std::min<LONG>(cursor.b1() + code.shift, width);
             added = line.add(a0);
-            cursor.afterVertical(a0);
+            cursor.afterVertical(a0, code.shift);
             break;
         case Mode::Horizontal:
             for (int i = 0; i < 2 && added; ++i) {

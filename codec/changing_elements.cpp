@@ -1,7 +1,8 @@
 // Growth of the position list, and the way from positions to bits.
 #include "codec/changing_elements.h"
 
-#include "codec/buffers.h"
+#include "codec/wide_moves.h"
+#include "support/byte_order.h"
 #include "support/checked_size.h"
 
 #include <algorithm>
@@ -14,35 +15,58 @@ namespace {
 // Room for the lines of ordinary fax pages, so that lists rarely grow.
 constexpr DWORD kFirstCapacity = 5008;
 
-// Clears a line in blocks of a fixed size, which compilers turn into a few wide stores; a call for the odd 200 bytes of
-// a fax line would cost more than the stores. The last block may reach into the line buffer's slack.
-void clearLine(BYTE *line, LONG bytes) {
-    constexpr LONG kBlock = 64;
-    static_assert(kBlock <= static_cast<LONG>(kLineSlack));
-    for (LONG at = 0; at < bytes; at += kBlock) {
-        std::memset(line + at, 0, kBlock);
-    }
-}
+// Sets runs of bits in a cleared line, one 32-bit word at a time: the word being worked on is kept aside and goes into
+// the line when another one is begun. The last word may reach into the line buffer's slack, with zero bits.
+class WordPainter {
+public:
+    explicit WordPainter(BYTE *line) : line_(line) {}
+    WordPainter(const WordPainter &) = delete;
+    WordPainter &operator=(const WordPainter &) = delete;
+    ~WordPainter() { put(); }
 
-// Sets the bits from start up to, not including, end; both lie inside the line.
-void setBits(BYTE *line, LONG start, LONG end) {
-    const LONG firstByte = start >> 3;
-    const LONG lastByte = end >> 3;
-    const auto firstMask = static_cast<BYTE>(0xFF >> (start & 7));
-    const auto lastMask = static_cast<BYTE>(~(0xFF >> (end & 7)));
-    if (firstByte == lastByte) {
-        line[firstByte] |= static_cast<BYTE>(firstMask & lastMask);
-        return;
+    // Sets the bits from start up to, not including, end; start < end.
+    void setBits(LONG start, LONG end) {
+        begin(start / kBits);
+        const DWORD fromStart = kAllBits >> (start % kBits);
+        const LONG last = end / kBits;
+        if (last == word_) {
+            bits_ |= fromStart & ~(kAllBits >> (end % kBits));
+            return;
+        }
+        bits_ |= fromStart;
+        while (word_ + 1 < last) {
+            begin(word_ + 1);
+            bits_ = kAllBits;
+        }
+        if (end % kBits != 0) {
+            begin(last);
+            bits_ = ~(kAllBits >> (end % kBits));
+        }
     }
-    line[firstByte] |= firstMask;
-    const LONG whole = lastByte - firstByte - 1;
-    if (whole > 0) {
-        std::memset(line + firstByte + 1, 0xFF, static_cast<std::size_t>(whole));
+
+private:
+    static constexpr LONG kBits = 32;
+    static constexpr DWORD kAllBits = 0xFFFFFFFF;
+
+    void begin(LONG word) {
+        if (word != word_) {
+            put();
+            word_ = word;
+            bits_ = 0;
+        }
     }
-    if (lastMask != 0) {
-        line[lastByte] |= lastMask;
+
+    // Words may be begun twice, so what a word holds stays.
+    void put() {
+        BYTE *at = line_ + word_ * static_cast<LONG>(sizeof(DWORD));
+        const DWORD value = load<DWORD>(at) | swapped(bits_);
+        std::memcpy(at, &value, sizeof value);
     }
-}
+
+    BYTE *line_;
+    LONG word_ = 0;
+    DWORD bits_ = 0;
+};
 
 } // namespace
 
@@ -62,14 +86,19 @@ bool ChangingElements::grow() {
 }
 
 void drawLine(const ChangingElements &elements, BYTE *line, LONG bytesPerLine, LONG width) {
-    clearLine(line, bytesPerLine);
+    fillLine(line, 0, static_cast<DWORD>(bytesPerLine));
     const LONG *positions = elements.positions();
-    for (DWORD i = 0; i + 1 < elements.count(); i += 2) {
-        const LONG start = std::max<LONG>(positions[i], 0);
+    const LONG *end = positions + (elements.count() & ~DWORD{1});
+    if (positions == end) {
+        return;
+    }
+    WordPainter painter(line);
+    for (; positions != end; positions += 2) {
+        const LONG start = std::max<LONG>(positions[0], 0);
         // By design: an end before its start is one pixel, so that a line of overlapping runs keeps its marks.
-        const LONG end = std::min(positions[i + 1] < positions[i] ? start + 1 : positions[i + 1], width);
-        if (start < end) {
-            setBits(line, start, end);
+        const LONG stop = std::min(positions[1] < positions[0] ? start + 1 : positions[1], width);
+        if (start < stop) {
+            painter.setBits(start, stop);
         }
     }
 }

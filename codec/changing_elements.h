@@ -7,7 +7,6 @@
 #include <windows.h>
 
 #include <memory>
-#include <utility>
 
 namespace vellum {
 
@@ -48,12 +47,6 @@ public:
     // True while the run being decoded is black.
     [[nodiscard]] unsigned colour() const { return count_ & 1; }
     [[nodiscard]] const LONG *positions() const { return positions_.get(); }
-
-    friend void swap(ChangingElements &a, ChangingElements &b) noexcept {
-        std::swap(a.positions_, b.positions_);
-        std::swap(a.count_, b.count_);
-        std::swap(a.capacity_, b.capacity_);
-    }
 
 private:
     [[nodiscard]] bool grow();

@@ -3,6 +3,7 @@
 
 #include "codec/buffers.h"
 #include "codec/jpeg_module.h"
+#include "codec/strip_table.h"
 #include "core/image_info.h"
 #include "core/library_state.h"
 #include "support/row_bytes.h"
@@ -222,6 +223,7 @@ Error run(CodecState &state, const DecodeRequest &request) {
     if (!worthAllocating(Size(lineSize), state.compressionKey, lineSize, state.streamLimit)) {
         return Error::NoMemory;
     }
+    const StripTableLock locked(state.stripOffsets);
     const PartialDecodeFlag partial(request.firstStrip);
     return decodeImageData(state);
 }

@@ -7,6 +7,7 @@
 #include "codec/buffers.h"
 #include "codec/byte_codecs.h"
 #include "codec/differencing.h"
+#include "codec/wide_moves.h"
 #include "support/global_block.h"
 
 #include <algorithm>
@@ -20,6 +21,7 @@ constexpr unsigned kEndOfInformation = 257;
 constexpr unsigned kFirstFree = 258;
 constexpr unsigned kCodes = 4096;
 constexpr int kLeastWidth = 9;
+constexpr unsigned kLeastLargest = 511;
 constexpr int kMostWidth = 12;
 constexpr DWORD kChunk = 8;
 // From this length on, filling beats writing a uniform string chunk by chunk.
@@ -81,16 +83,24 @@ struct LzwTable {
 
 // Where a run stands between two codes.
 struct LzwCursor {
-    unsigned next = kFirstFree; // entries of the table, with the one whose last byte the next code brings
-    unsigned previous = kCodes; // the code that this entry extends; kCodes when there is no such entry
-    int width = kLeastWidth;    // bits of the next code
+    unsigned next = kFirstFree;      // entries of the table, with the one whose last byte the next code brings
+    unsigned previous = kCodes;      // the code that this entry extends; kCodes when there is no such entry
+    int width = kLeastWidth;         // bits of the next code
+    unsigned widest = kLeastLargest; // largest code of this width
 
     // Before each code. By design of TIFF's LZW the width grows one code earlier than the table needs: `next` counts
     // an entry that is not complete yet.
     void widen() {
-        if (next > (1u << width) - 1 && width < kMostWidth) {
+        if (next > widest && width < kMostWidth) {
             ++width;
+            widest = 2 * widest + 1;
         }
+    }
+
+    // An entry begins with each code, until the table is full.
+    void extendBy(unsigned code) {
+        previous = next < kCodes ? code : kCodes;
+        next += next < kCodes ? 1 : 0;
     }
 };
 
@@ -112,6 +122,10 @@ public:
 
 private:
     Error decodeStrip();
+    void savePosition(BYTE *to, const BYTE *lineEnd) {
+        state_.linePointer = to;
+        state_.lineBytesLeft = static_cast<LONG>(lineEnd - to);
+    }
     Error deliverString(unsigned code);
     Error deliverLine();
     Error endOfInformation();
@@ -127,6 +141,8 @@ Error LzwRun::decodeStrip() {
     BitReader bits(state_, fillCodeBuffer);
     bits.start();
     LzwCursor cursor;
+    BYTE *to = state_.linePointer;
+    BYTE *lineEnd = to + state_.lineBytesLeft;
     for (;;) {
         cursor.widen();
         if (!bits.refill()) {
@@ -134,45 +150,39 @@ Error LzwRun::decodeStrip() {
         }
         const unsigned code = bits.peek(cursor.width);
         bits.take(cursor.width);
-        if (bits.overrun()) {
-            return bits.error();
-        }
-        if (code == kClear) {
-            cursor = LzwCursor{};
-            continue;
-        }
-        if (code == kEndOfInformation) {
-            return endOfInformation();
-        }
-        if (code >= cursor.next) {
-            return Error::BadCode;
+        if (code - kClear <= kEndOfInformation - kClear || code >= cursor.next) [[unlikely]] {
+            if (code == kClear) {
+                cursor = LzwCursor{};
+                continue;
+            }
+            savePosition(to, lineEnd);
+            return bits.overrun() ? bits.error() : code == kEndOfInformation ? endOfInformation() : Error::BadCode;
         }
         if (cursor.previous != kCodes) {
             const unsigned firstFrom = code == cursor.next - 1 ? cursor.previous : code;
             table_.extend(cursor.next - 1, cursor.previous, table_.entries[firstFrom].first);
-            cursor.previous = kCodes;
         }
-        if (cursor.next < kCodes) {
-            cursor.previous = code;
-            ++cursor.next;
-        }
-        const LONG length = table_.entries[code].length;
-        if (length < state_.lineBytesLeft) [[likely]] {
-            if (length > kLongString && table_.entries[code].uniform) {
-                std::memset(state_.linePointer, table_.entries[code].first, static_cast<std::size_t>(length));
+        cursor.extendBy(code);
+        const LzwEntry &entry = table_.entries[code];
+        const LONG length = entry.length;
+        if (length < lineEnd - to) [[likely]] {
+            if (length > kLongString && entry.uniform) {
+                fillLine(to, entry.first, static_cast<DWORD>(length));
             } else {
-                table_.write(code, state_.linePointer);
+                table_.write(code, to);
             }
-            state_.linePointer += length;
-            state_.lineBytesLeft -= length;
+            to += length;
             continue;
         }
-        if (const Error error = deliverString(code); error != Error::None) {
+        if (bits.overrun()) {
+            return bits.error();
+        }
+        savePosition(to, lineEnd);
+        if (const Error error = deliverString(code); error != Error::None || state_.stripEnd != 0) {
             return error;
         }
-        if (state_.stripEnd != 0) {
-            return Error::None;
-        }
+        to = state_.linePointer;
+        lineEnd = to + state_.lineBytesLeft;
     }
 }
 
@@ -187,7 +197,7 @@ Error LzwRun::deliverString(unsigned code) {
     for (const BYTE *from = overlong_;;) {
         const DWORD piece = std::min(left, static_cast<DWORD>(state_.lineBytesLeft));
         if (entry.uniform) {
-            std::memset(state_.linePointer, entry.first, piece);
+            fillLine(state_.linePointer, entry.first, piece);
         } else {
             std::memcpy(state_.linePointer, from, piece);
         }

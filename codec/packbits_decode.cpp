@@ -5,6 +5,7 @@
 // the end of a line goes into the line buffer's slack and is dropped.
 #include "codec/buffers.h"
 #include "codec/byte_codecs.h"
+#include "codec/wide_moves.h"
 
 #include <algorithm>
 #include <cstring>
@@ -50,22 +51,7 @@ Error repeatByte(CodecState &state, DWORD count) {
     return Error::None;
 }
 
-// Packets are short, so both kinds are moved in fixed pieces, which compilers turn into single wide moves. They may
-// read up to a piece behind a literal and write up to a piece behind a packet, into the slack of the buffers.
-constexpr DWORD kPiece = 16;
-static_assert(kPiece <= kCodeSlack && kLongestPacket + kPiece <= kLineSlack);
-
-void copyInPieces(BYTE *to, const BYTE *from, DWORD count) {
-    for (DWORD at = 0; at < count; at += kPiece) {
-        std::memcpy(to + at, from + at, kPiece);
-    }
-}
-
-void fillInPieces(BYTE *to, BYTE value, DWORD count) {
-    for (DWORD at = 0; at < count; at += kPiece) {
-        std::memset(to + at, value, kPiece);
-    }
-}
+static_assert(kLongestPacket + static_cast<int>(kMovePiece) <= static_cast<int>(kLineSlack));
 
 // Decodes packets that lie whole in the code buffer, up to the end of the line.
 void decodeLoadedPackets(CodecState &state) {

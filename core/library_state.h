@@ -14,6 +14,12 @@ struct MemoryStreamSlot {
 
 constexpr int kMemoryStreamSlots = 31;
 
+struct LockedStripTable {
+    HGLOBAL block = nullptr; // null between runs
+    const BYTE *bytes = nullptr;
+    DWORD size = 0;
+};
+
 struct LibraryState {
     // core/error.cpp: written by every call that fails.
     Error lastError = Error::None;
@@ -25,6 +31,9 @@ struct LibraryState {
 
     // core/stream.cpp: a slot is valid from the opening of a memory stream to its close.
     MemoryStreamSlot memoryStreams[kMemoryStreamSlots];
+
+    // codec/strip_table.h: the strip table of the run in progress, which stays locked as long as the run lasts.
+    LockedStripTable stripTable;
 
     // codec/jpeg_module.cpp: loaded by the first JPEG image, forgotten by CloseTiffFile.
     HMODULE jpegModule = nullptr;

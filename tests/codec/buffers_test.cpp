@@ -226,10 +226,10 @@ TEST(StartStrip, AFarStripIsReachedThroughTheSpanBehindOneCapacity) {
 }
 
 TEST(StartStrip, StripsOutsideThoseSpansArePositionedOnDirectly) {
-    const Later far(100000, {100, 90000}, 1);
-    EXPECT_EQ(far.result, 0u);
-    EXPECT_EQ(far.run.state.bufferBase, 90000u);
-    EXPECT_EQ(*far.run.state.codePointer, static_cast<BYTE>(90000));
+    const Later distant(100000, {100, 90000}, 1);
+    EXPECT_EQ(distant.result, 0u);
+    EXPECT_EQ(distant.run.state.bufferBase, 90000u);
+    EXPECT_EQ(*distant.run.state.codePointer, static_cast<BYTE>(90000));
     const Later before(40000, {30000, 50}, 1);
     EXPECT_EQ(before.result, 0u);
     EXPECT_EQ(*before.run.state.codePointer, 50);

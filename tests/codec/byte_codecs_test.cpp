@@ -276,6 +276,15 @@ TEST(Uncompressed, LinesComeAsStored) {
     EXPECT_EQ(decoded.lines, data);
 }
 
+TEST(Uncompressed, LinesOfEveryLengthComeWhole) {
+    for (const DWORD lineBytes : {1U, 7U, 5000U, 16383U, 16384U, 16385U, 20000U, 32767U, 32768U, 70001U}) {
+        const Bytes data = noise(lineBytes * std::size_t{9}, lineBytes);
+        const Decoded decoded = decodeLines(data, lineBytes, 9, VELLUM_KEY_NONE);
+        EXPECT_EQ(decoded.outcome, kDecoded) << lineBytes;
+        EXPECT_EQ(decoded.lines, data) << lineBytes;
+    }
+}
+
 TEST(Uncompressed, FillOrder2ReversesTheBitsOfEveryByte) {
     const Decoded decoded = decodeRaw({0x01, 0xF0, 0x80}, {24, 1, VELLUM_KEY_NONE, 2});
     EXPECT_EQ(decoded.lines, (Bytes{0x80, 0x0F, 0x01}));

@@ -7,7 +7,7 @@ namespace vellum::test {
 namespace {
 
 TEST(TypedTagAccess, GivesNumbersAsNumbers) {
-    const OneImage image({tiff::longs(256, {100000}), tiff::byteValues(257, {200}), tiff::shorts(258, {8, 9, 10}),
+    const OneImage image({tiff::longs(256, {100000}), tiff::byteValues(257, {200, 9, 9}), tiff::shorts(258, {8, 9, 10}),
                           tiff::ascii(270, "text"), tiff::rationals(282, {300, 7})},
                          tiff::kMM);
     SetTiffError(0);

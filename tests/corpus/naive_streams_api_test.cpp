@@ -141,6 +141,22 @@ TEST(NaiveStreams, BytePixelsDecodeRight) {
     }
 }
 
+// Codes up to 4095 are used and nothing is cleared: the table stays as it is.
+TEST(NaiveStreams, LzwGoesOnWithAFullTable) {
+    Random random(1);
+    Bytes pixels = randomBytes(random, 30000);
+    const Bytes again(pixels.begin(), pixels.begin() + 10000);
+    pixels.insert(pixels.end(), again.begin(), again.end());
+    const CodedPage page{.width = 100, .height = 400, .bits = 8, .key = VELLUM_KEY_LZW};
+    const Bytes code = encodeLzw(pixels, FullTable::Keep);
+    ASSERT_NE(code, encodeLzw(pixels));
+    const OpenedTiff tiff(codedTiff(page, {code}));
+    ASSERT_TRUE(registerImage(tiff.get(), 0));
+    LineLog log;
+    EXPECT_EQ(decodeInto(log, tiff.get(), 0), kDecoded);
+    EXPECT_TRUE(same(log.data, pixels));
+}
+
 TEST(NaiveStreams, HalfBytePixelsDecodeRight) {
     for (const DWORD key : {VELLUM_KEY_NONE, VELLUM_KEY_PACKBITS, VELLUM_KEY_LZW, VELLUM_KEY_LZW_DIFFERENCING}) {
         for (const DWORD width : {1U, 2U, 3U, 16U, 127U, 700U}) {

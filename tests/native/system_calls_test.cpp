@@ -174,8 +174,8 @@ TEST(Files, OpenFileCountsTheFullPathOfARelativeOne) {
     EXPECT_EQ(openToRead("vellum-native-test.tif"), HFILE_ERROR);
     std::filesystem::current_path(before);
     // Detours in a path do not count.
-    const TempFile near(Bytes{7});
-    std::string detour = near.path();
+    const TempFile simple(Bytes{7});
+    std::string detour = simple.path();
     for (int i = 0; i < 60; ++i) {
         detour.insert(detour.find_last_of("/\\"), "/.");
     }

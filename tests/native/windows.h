@@ -12,6 +12,9 @@
 #define CALLBACK __stdcall
 #define APIENTRY WINAPI
 #define CONST const
+// The real header defines these too: names that code cannot use.
+#define near
+#define far
 #define TRUE 1
 #define FALSE 0
 

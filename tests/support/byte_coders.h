@@ -60,8 +60,11 @@ private:
 inline constexpr unsigned kLzwClear = 256;
 inline constexpr unsigned kLzwEnd = 257;
 
-// One strip: Clear, the codes, EndOfInformation. Clear again when code 4094 has been given out.
-inline std::vector<std::uint8_t> encodeLzw(const std::vector<std::uint8_t> &data) {
+// What an encoder does when code 4094 has been given out: Clear, or go on with what its table holds at 4096.
+enum class FullTable { Clear, Keep };
+
+// One strip: Clear, the codes, EndOfInformation.
+inline std::vector<std::uint8_t> encodeLzw(const std::vector<std::uint8_t> &data, FullTable full = FullTable::Clear) {
     LzwCodes out;
     std::map<std::pair<unsigned, std::uint8_t>, unsigned> table; // a string's code and one byte more
     unsigned next = 258;
@@ -83,10 +86,12 @@ inline std::vector<std::uint8_t> encodeLzw(const std::vector<std::uint8_t> &data
             string = longer->second;
             continue;
         }
-        table[{string, byte}] = next;
+        if (next < 4096) {
+            table[{string, byte}] = next;
+        }
         give(string);
         string = byte;
-        if (next == 4095) {
+        if (next == 4095 && full == FullTable::Clear) {
             out.code(kLzwClear, width);
             table.clear();
             next = 258;
