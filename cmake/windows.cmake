@@ -30,3 +30,9 @@ if(VELLUM_TOOL_SOURCES)
     target_link_libraries(vellum_tool PRIVATE vellum_options vellum)
     set_target_properties(vellum_tool PROPERTIES OUTPUT_NAME vellum)
 endif()
+
+# The examples of the documentation, so that they compile and run.
+foreach(example IN ITEMS load_page black_pixels)
+    add_executable(example_${example} examples/${example}.c)
+    target_link_libraries(example_${example} PRIVATE vellum_options vellum)
+endforeach()

@@ -2,6 +2,7 @@
 # tree with Wine is made once with mmdebstrap and entered with bwrap, which needs no foreign architecture on the machine.
 # Both the tree and the prefix are kept in the cache folder.
 #   prepare_wine             makes everything ready; quick when it is
+#   start_wine_server        lets the script's next programs start quickly; undone when it exits
 #   in_wine COMMAND...       runs wine or wineserver with the project's prefix
 # Needs: lib/setup.sh, and VELLUM_ROOT, the checkout's folder.
 
@@ -14,6 +15,7 @@ export WINEPREFIX=$VELLUM_CACHE/prefix-$WINE_GRAPHICS
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=}
 WINE_READY=$WINEPREFIX/.vellum-ready
+WINE_USERS=$WINEPREFIX/.vellum-users
 
 in_wine() {
     if [ "$WINE_KIND" = machine ]; then
@@ -135,9 +137,30 @@ finish_prefix() {
     printf '%s' "$WINE_KIND" >"$WINE_READY"
 }
 
-# A server that stays for a minute after its last program makes every start quick; it ends by itself, so that test runs
-# side by side do not take it from each other.
+# Makes the next programs start quickly: a server that stays. Its users are noted by their process ids, and the last one
+# to leave ends it; a server that ended by a time-out could do so just while a program connects to it.
+#   start_wine_server        for the script that calls it, until it exits
+#   start_wine_server PID    for that process, until stop_wine_server PID
 start_wine_server() {
-    in_wine wineserver -p60 >/dev/null 2>&1 </dev/null || true
-    in_wine wine cmd /c exit >/dev/null 2>&1 </dev/null
+    [ $# -gt 0 ] || trap "stop_wine_server $$" EXIT
+    mkdir -p "$WINE_USERS"
+    touch "$WINE_USERS/${1:-$$}"
+    (
+        flock 9
+        in_wine wineserver -p >/dev/null 2>&1 9>&- </dev/null || true
+        in_wine wine cmd /c exit >/dev/null 2>&1 9>&- </dev/null
+    ) 9>"$VELLUM_CACHE/server.lock"
+}
+
+stop_wine_server() {
+    rm -f "$WINE_USERS/$1"
+    (
+        flock 9
+        for user in "$WINE_USERS"/*; do
+            kill -0 "${user##*/}" 2>/dev/null && exit 0
+        done
+        rm -rf "$WINE_USERS"
+        in_wine wineserver -k 9>&- || true
+        in_wine wineserver -w 9>&- || true
+    ) 9>"$VELLUM_CACHE/server.lock" >/dev/null 2>&1 </dev/null
 }
