@@ -1,9 +1,7 @@
 # GoogleTest from the sources that Debian ships (package googletest), or from VELLUM_GOOGLETEST_DIR: compiled once a
 # build folder with this build's compiler and flags.
-set(VELLUM_GOOGLETEST_DIR /usr/src/googletest CACHE PATH "Folder with GoogleTest's sources")
 if(NOT EXISTS ${VELLUM_GOOGLETEST_DIR}/googletest/src/gtest-all.cc)
-    message(FATAL_ERROR "GoogleTest's sources are not in ${VELLUM_GOOGLETEST_DIR}: install them (Debian: googletest), "
-                        "set VELLUM_GOOGLETEST_DIR, or build without tests (-DVELLUM_TESTS=OFF)")
+    message(FATAL_ERROR "The tests need GoogleTest's sources, which are not in ${VELLUM_GOOGLETEST_DIR}")
 endif()
 
 add_library(googletest STATIC ${VELLUM_GOOGLETEST_DIR}/googletest/src/gtest-all.cc

@@ -12,15 +12,50 @@
 
 namespace vellum {
 
-class BitReader {
+// The window over the loaded code: the part of a reader that a decoder takes into registers for a while.
+class BitWindow {
+public:
+    // Bits that are surely in the window after a refill.
+    static constexpr int kRefilledBits = 24;
+
+    // Makes kRefilledBits bits visible. False, and nothing changed, within the last bytes of the loaded code.
+    [[nodiscard]] bool refillLoaded() {
+        if (end_ - next_ < static_cast<std::ptrdiff_t>(sizeof(DWORD))) [[unlikely]] {
+            return false;
+        }
+        // Bits below the held ones are ORed with the very bytes they came from, so nothing needs masking.
+        window_ |= swapped(load<DWORD>(next_)) >> held_;
+        next_ += (31 - held_) >> 3;
+        held_ |= kRefilledBits;
+        return true;
+    }
+
+    // The next count bits (1 to 24), not taken yet.
+    [[nodiscard]] unsigned peek(int count) const { return window_ >> (32 - count); }
+
+    // Takes count bits, at most kRefilledBits since the last refill.
+    void take(int count) {
+        window_ <<= count;
+        held_ -= count;
+    }
+
+protected:
+    const BYTE *next_ = nullptr;
+    const BYTE *end_ = nullptr;
+    DWORD window_ = 0; // the next bits, first bit on top
+    int held_ = 0;     // how many of them count, 0 to 31
+};
+
+class BitReader : public BitWindow {
 public:
     // The operation that makes more code bytes available: FillCodeBuffer, or its counterpart for framed code.
     using Refill = Error (*)(CodecState &);
 
-    // Bits that are surely in the window after refill().
-    static constexpr int kRefilledBits = 24;
-
     BitReader(CodecState &state, Refill refillCode) : state_(&state), refillCode_(refillCode) {}
+
+    // A copy of the window, and the way back for one that was read on from.
+    [[nodiscard]] BitWindow window() const { return *this; }
+    void resume(const BitWindow &window) { static_cast<BitWindow &>(*this) = window; }
 
     // Starts at the state's code pointer, dropping all held bits. Called at the start of every strip.
     void start() {
@@ -34,11 +69,7 @@ public:
 
     // Makes kRefilledBits bits visible. False when bits have been taken that the stream does not have: see error().
     [[nodiscard]] bool refill() {
-        if (end_ - next_ >= static_cast<std::ptrdiff_t>(sizeof(DWORD))) [[likely]] {
-            // Bits below the held ones are ORed with the very bytes they came from, so nothing needs masking.
-            window_ |= swapped(load<DWORD>(next_)) >> held_;
-            next_ += (31 - held_) >> 3;
-            held_ |= kRefilledBits;
+        if (refillLoaded()) [[likely]] {
             return true;
         }
         // On a copy, so that the reader itself can live in registers.
@@ -46,15 +77,6 @@ public:
         const bool refilled = slow.refillSlowly();
         *this = slow;
         return refilled;
-    }
-
-    // The next count bits (1 to 24), not taken yet.
-    [[nodiscard]] unsigned peek(int count) const { return window_ >> (32 - count); }
-
-    // Takes count bits, at most kRefilledBits since the last refill().
-    void take(int count) {
-        window_ <<= count;
-        held_ -= count;
     }
 
     // Takes the bits up to the next byte boundary of the code.
@@ -89,10 +111,6 @@ private:
 
     CodecState *state_;
     Refill refillCode_;
-    const BYTE *next_ = nullptr;
-    const BYTE *end_ = nullptr;
-    DWORD window_ = 0;    // the next bits, first bit on top
-    int held_ = 0;        // how many of them count, 0 to 31
     int paddingBits_ = 0; // how many of the held ones are zeros behind the end of the stream
     Error readError_ = Error::None;
 };

@@ -170,6 +170,11 @@ Error seekStripData(CodecState &state) {
     return enterLoadedSpan(state, *offset) ? Error::None : loadSpan(state, *offset);
 }
 
+Error reloadStrip(CodecState &state) {
+    const auto offset = currentStripOffset(state);
+    return offset ? loadSpan(state, *offset) : Error::Io;
+}
+
 Error seekStartStrip(CodecState &state) {
     const auto offset = currentStripOffset(state);
     if (!offset) {

@@ -62,7 +62,10 @@ Error flushCodeBlock(CodecState &state);
 // Moves the code buffer to the start of the current strip.
 Error seekStripData(CodecState &state);
 
-// The same for a run that starts behind the first strip.
+// Reads the current strip from its start, whatever the code buffer holds.
+Error reloadStrip(CodecState &state);
+
+// The same as seekStripData for a run that starts behind the first strip.
 Error seekStartStrip(CodecState &state);
 
 // Unlocks and frees everything that the run has allocated.

@@ -141,6 +141,17 @@ constexpr bool complete(const std::array<Entry, N> &lookup, bool (*isFree)(Entry
     return true;
 }
 
+constexpr ShortRunLookup shortened(const RunLookup &runs) {
+    ShortRunLookup lookup{};
+    for (unsigned i = 0; i < lookup.size(); ++i) {
+        const RunEntry entry = runs[i << (kRunLookupBits - kShortRunLookupBits)];
+        if (entry.bits <= kShortRunLookupBits && entry.kind != RunKind::Zeros) {
+            lookup[i] = entry;
+        }
+    }
+    return lookup;
+}
+
 constexpr auto kWhite = buildRuns(kWhiteTerminating, kWhiteMakeUp);
 constexpr auto kBlack = buildRuns(kBlackTerminating, kBlackMakeUp);
 constexpr auto kModes = buildModes();
@@ -154,6 +165,7 @@ static_assert(complete(kModes.lookup, modeEntryIsFree), "every pattern of eight 
 
 constinit const std::array<RunLookup, 2> kRunLookups = {kWhite.lookup, kBlack.lookup};
 constinit const ModeLookup kModeLookup = kModes.lookup;
+constinit const std::array<ShortRunLookup, 2> kShortRunLookups = {shortened(kWhite.lookup), shortened(kBlack.lookup)};
 
 constinit const std::array<Terminating, 2> kTerminatingWords = {kWhiteTerminating, kBlackTerminating};
 constinit const std::array<MakeUp, 2> kMakeUpWords = {kWhiteMakeUp, kBlackMakeUp};

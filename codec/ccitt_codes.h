@@ -13,6 +13,8 @@ namespace vellum {
 
 // Bits that a run lookup is indexed by: the longest black code word has 13.
 constexpr int kRunLookupBits = 13;
+// Bits that the lookup of the frequent, short words is indexed by: small enough to stay in the processor's first cache.
+constexpr int kShortRunLookupBits = 8;
 // Bits that a mode lookup is indexed by.
 constexpr int kModeLookupBits = 8;
 
@@ -44,11 +46,14 @@ struct ModeEntry {
 };
 
 using RunLookup = std::array<RunEntry, 1u << kRunLookupBits>;
+using ShortRunLookup = std::array<RunEntry, 1u << kShortRunLookupBits>;
 using ModeLookup = std::array<ModeEntry, 1u << kModeLookupBits>;
 
 // Runs by colour: index 0 white, 1 black.
 extern const std::array<RunLookup, 2> kRunLookups;
 extern const ModeLookup kModeLookup;
+// The same entries for words that the short index holds whole; all others have 0 bits.
+extern const std::array<ShortRunLookup, 2> kShortRunLookups;
 
 // The code words themselves, in the order of the published tables.
 constexpr int kTerminatingCodes = 64;  // runs 0 to 63

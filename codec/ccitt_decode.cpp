@@ -4,6 +4,7 @@
 
 #include "codec/bit_reader.h"
 #include "codec/buffers.h"
+#include "codec/ccitt_fast_lines.h"
 #include "codec/ccitt_lines.h"
 
 #include <utility>
@@ -14,6 +15,8 @@ namespace {
 constexpr int kEolBits = 12;
 constexpr unsigned kEol = 1; // 000000000001
 constexpr int kZeroPrefixBits = 8;
+
+enum class Kind : BYTE { OneDimensional, TwoDimensional };
 
 // What the decoders of one run work on.
 struct CcittRun {
@@ -27,6 +30,17 @@ struct CcittRun {
     ChangingElements *line = &lists[0];      // the line being decoded
     ChangingElements *reference = &lists[1]; // the line before, closed; white at the start of a strip
 };
+
+// Ordinary lines go the quick way, which says nothing but that it has done one; all others go the plain way.
+bool passOrdinaryLine(CcittRun &run, Kind kind) {
+    return kind == Kind::OneDimensional
+               ? decodeFastOneDimensionalLine(run.reader, *run.line, run.width)
+               : decodeFastTwoDimensionalLine(run.reader, *run.reference, *run.line, run.width);
+}
+LineResult decodePlainLine(CcittRun &run, Kind kind) {
+    return kind == Kind::OneDimensional ? decodeOneDimensionalLine(run.reader, *run.line, run.width)
+                                        : decodeTwoDimensionalLine(run.reader, *run.reference, *run.line, run.width);
+}
 
 // Reads one bit or a short word. False at the end of the stream.
 [[nodiscard]] bool readBits(BitReader &reader, int count, unsigned &value) {
@@ -79,7 +93,13 @@ struct OneDimensional {
             if (!passZeros(run.reader)) {
                 return run.reader.error();
             }
-            const LineResult result = decodeOneDimensionalLine(run.reader, *run.line, run.width);
+            if (passOrdinaryLine(run, Kind::OneDimensional)) {
+                if (linesStartOnBytes) {
+                    run.reader.takeRestOfByte();
+                }
+                return Error::None;
+            }
+            const LineResult result = decodePlainLine(run, Kind::OneDimensional);
             if (result.end == LineEnd::Failure) {
                 return result.error;
             }
@@ -119,8 +139,6 @@ private:
 struct Tagged {
     static constexpr bool kRefersToLineBefore = true;
 
-    enum class Kind : BYTE { OneDimensional, TwoDimensional };
-
     Kind kindWithoutEol;
     // EOFB (two EOLs without tag bits) ends the data.
     bool hasEofb;
@@ -135,9 +153,10 @@ struct Tagged {
             if (const Error error = passEol(run, kind); error != Error::None) {
                 return error;
             }
-            const LineResult result = kind == Kind::OneDimensional
-                                          ? decodeOneDimensionalLine(run.reader, *run.line, run.width)
-                                          : decodeTwoDimensionalLine(run.reader, *run.reference, *run.line, run.width);
+            if (passOrdinaryLine(run, kind)) {
+                return Error::None;
+            }
+            const LineResult result = decodePlainLine(run, kind);
             if (result.end == LineEnd::Failure) {
                 return result.error;
             }
@@ -188,7 +207,10 @@ struct Group4 {
     void startStrip() {}
 
     static Error nextLine(CcittRun &run) {
-        const LineResult result = decodeTwoDimensionalLine(run.reader, *run.reference, *run.line, run.width);
+        if (passOrdinaryLine(run, Kind::TwoDimensional)) {
+            return Error::None;
+        }
+        const LineResult result = decodePlainLine(run, Kind::TwoDimensional);
         switch (result.end) {
         case LineEnd::Width:
             return Error::None;
@@ -237,7 +259,7 @@ Error decodeGroup3OneDimensional(CodecState &state) {
 }
 
 Error decodeGroup3TwoDimensional(CodecState &state) {
-    return decodePlain(state, Tagged{Tagged::Kind::OneDimensional, false});
+    return decodePlain(state, Tagged{Kind::OneDimensional, false});
 }
 
 Error decodeGroup4(CodecState &state) {
@@ -249,7 +271,7 @@ Error decodeBlockFramedMmr(CodecState &state) {
         return endOfRun(error);
     }
     CcittRun run(state, fillCodeBlock);
-    return decodeLines(run, Tagged{Tagged::Kind::TwoDimensional, true});
+    return decodeLines(run, Tagged{Kind::TwoDimensional, true});
 }
 
 } // namespace vellum

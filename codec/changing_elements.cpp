@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <new>
 
 namespace vellum {
@@ -72,17 +73,24 @@ private:
 
 bool ChangingElements::grow() {
     const DWORD wanted = capacity_ == 0 ? kFirstCapacity : capacity_ * 2;
-    if (wanted <= capacity_ || (Size(wanted) * Size(sizeof(LONG))).tooLarge()) {
+    if (wanted <= capacity_ || ((Size(wanted) + Size(kFrontSentinels)) * Size(sizeof(LONG))).tooLarge()) {
         return false;
     }
-    std::unique_ptr<LONG[]> larger(new (std::nothrow) LONG[wanted]);
+    std::unique_ptr<LONG[]> larger(new (std::nothrow) LONG[kFrontSentinels + wanted]);
     if (larger == nullptr) {
         return false;
     }
-    std::copy_n(positions_.get(), count_, larger.get());
+    std::fill_n(larger.get(), kFrontSentinels, std::numeric_limits<LONG>::min());
+    if (positions_ != nullptr) {
+        std::copy_n(positions(), count_, larger.get() + kFrontSentinels);
+    }
     positions_ = std::move(larger);
     capacity_ = wanted;
     return true;
+}
+
+bool ChangingElements::isOrdered() const {
+    return positions()[0] >= 0 && std::is_sorted(positions(), positions() + count_);
 }
 
 void drawLine(const ChangingElements &elements, BYTE *line, LONG bytesPerLine, LONG width) {

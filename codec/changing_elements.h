@@ -14,6 +14,8 @@ class ChangingElements {
 public:
     // Positions equal to the width that stand behind the last one, so that a search on a reference line always stops.
     static constexpr DWORD kSentinels = 4;
+    // Positions left of every line that stand before the first one, for searches backwards.
+    static constexpr DWORD kFrontSentinels = 2;
 
     void clear() { count_ = 0; }
 
@@ -22,15 +24,24 @@ public:
         if (count_ + kSentinels >= capacity_ && !grow()) [[unlikely]] {
             return false;
         }
-        positions_[count_++] = position;
+        first()[count_++] = position;
         return true;
     }
 
     // Makes the line a finished one: adds the sentinels. The line must have a position at the width (see add).
     void close(LONG width) {
-        for (DWORD i = 0; i < kSentinels; ++i) {
-            positions_[count_ + i] = width;
-        }
+        addSentinels(width);
+        ordered_ = isOrdered();
+    }
+
+    // Another way to make a line, for decoders that keep their place in the list themselves: up to room() positions are
+    // written from first() on, in order, none below 0, the last one the width; then the line is closed.
+    [[nodiscard]] LONG *first() { return positions_.get() + kFrontSentinels; }
+    [[nodiscard]] DWORD room() const { return capacity_ == 0 ? 0 : capacity_ - kSentinels; }
+    void closeOrdered(DWORD count, LONG width) {
+        count_ = count;
+        addSentinels(width);
+        ordered_ = true;
     }
 
     // A line of one white run.
@@ -46,14 +57,24 @@ public:
     [[nodiscard]] DWORD count() const { return count_; }
     // True while the run being decoded is black.
     [[nodiscard]] unsigned colour() const { return count_ & 1; }
-    [[nodiscard]] const LONG *positions() const { return positions_.get(); }
+    [[nodiscard]] const LONG *positions() const { return positions_.get() + kFrontSentinels; }
+    // Of a closed line: true when no position is below 0 or below the one before it.
+    [[nodiscard]] bool ordered() const { return ordered_; }
 
 private:
     [[nodiscard]] bool grow();
+    [[nodiscard]] bool isOrdered() const;
+    void addSentinels(LONG width) {
+        LONG *behind = first() + count_;
+        for (DWORD i = 0; i < kSentinels; ++i) {
+            behind[i] = width;
+        }
+    }
 
     std::unique_ptr<LONG[]> positions_;
     DWORD count_ = 0;
-    DWORD capacity_ = 0;
+    DWORD capacity_ = 0; // without the sentinels in front
+    bool ordered_ = false;
 };
 
 // Draws a finished line: bit 1 for black, most significant bit first; bits behind the width in the last byte are 0.

@@ -114,7 +114,6 @@ Error decodeMmrImage(const RawRequest &request) {
 }
 
 bool worthAllocating(Size imageBytes, DWORD compressionKey, DWORD bytesPerLine, DWORD streamBytes) {
-    constexpr DWORD kNeedsNoProof = 16u << 20;
     const auto bytes = imageBytes.fit();
     if (!bytes) {
         return false;

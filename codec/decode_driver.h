@@ -38,8 +38,11 @@ Error decodeRawImage(const RawRequest &request);
 // The same for block-framed MMR code; the key is not used.
 Error decodeMmrImage(const RawRequest &request);
 
-// Whether code of a stream can fill this many image bytes at all, with room for damage. Blocks up to 16 MB need no
-// proof; beyond that a picture of gigabytes in a file of a kilobyte is not worth its memory.
+// Blocks up to this size need no proof that there is code for them.
+constexpr DWORD kNeedsNoProof = 16u << 20;
+
+// Whether code of a stream can fill this many image bytes at all, with room for damage: beyond kNeedsNoProof a picture
+// of gigabytes in a file of a kilobyte is not worth its memory.
 bool worthAllocating(Size imageBytes, DWORD compressionKey, DWORD bytesPerLine, DWORD streamBytes);
 
 } // namespace vellum

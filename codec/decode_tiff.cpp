@@ -25,20 +25,20 @@ struct ImageTags {
         return firstValue(tiff, index, tag).value_or(valueWhenAbsent);
     }
 
-    // Moves all values of a tag into a block of the state. False when the tag is absent.
-    [[nodiscard]] bool block(Tag tag, HGLOBAL &destination, DWORD *type = nullptr, DWORD *count = nullptr) const {
+    // Moves all values of a tag into a block of the state.
+    [[nodiscard]] Error block(Tag tag, HGLOBAL &destination, TagShape *shape = nullptr) const {
+        if (!hasTag(tiff, index, tag)) {
+            return Error::TagMissing;
+        }
         auto values = allValues(tiff, index, tag);
         if (!values) {
-            return false;
+            return Error::NoMemory;
         }
-        if (type != nullptr) {
-            *type = values->type;
-        }
-        if (count != nullptr) {
-            *count = values->count;
+        if (shape != nullptr) {
+            *shape = {values->type, values->count};
         }
         destination = values->data.release();
-        return true;
+        return Error::None;
     }
 };
 
@@ -93,9 +93,12 @@ Error readImageParameters(CodecState &state, const ImageTags &tags) {
 
 // The strip table, and the lines that the request asks for.
 Error readStrips(CodecState &state, const ImageTags &tags, const DecodeRequest &request) {
-    if (!tags.block(Tag::StripOffsets, state.stripOffsets, &state.offsetsType, &state.stripCount)) {
-        return Error::TagMissing;
+    TagShape offsets;
+    if (const Error error = tags.block(Tag::StripOffsets, state.stripOffsets, &offsets); error != Error::None) {
+        return error;
     }
+    state.offsetsType = offsets.type;
+    state.stripCount = offsets.count;
     const auto height = static_cast<DWORD>(state.image.biHeight);
     const DWORD rowsPerStrip = tags.number(Tag::RowsPerStrip, 0);
     state.rowsPerStrip = rowsPerStrip != 0 && rowsPerStrip < height ? rowsPerStrip : height;
@@ -117,30 +120,52 @@ DWORD tilesAlong(DWORD pixels, DWORD tilePixels) {
 
 // ReferenceBlackWhite of an image that has none: the full ranges of luminance and the two colour differences, as three
 // pairs of RATIONALs.
-bool defaultReferenceBlackWhite(HGLOBAL &destination) {
+Error defaultReferenceBlackWhite(HGLOBAL &destination) {
     constexpr DWORD kRationals[] = {0, 1, 255, 1, 128, 1, 255, 1, 128, 1, 255, 1};
     GlobalBlock block = GlobalBlock::allocate(Size(sizeof kRationals));
     if (const GlobalView<BYTE> bytes(block.get(), sizeof kRationals); bytes) {
         std::memcpy(bytes.get(), kRationals, sizeof kRationals);
     }
     destination = block.release();
-    return destination != nullptr;
+    return destination != nullptr ? Error::None : Error::NoMemory;
 }
 
 Error readColourSubsampling(JpegCodecState &jpeg, const ImageTags &tags) {
-    const auto values = allValues(tags.tiff, tags.index, Tag::YCbCrSubSampling);
-    if (!values) {
-        return Error::TagMissing;
+    HGLOBAL block = nullptr;
+    if (const Error error = tags.block(Tag::YCbCrSubSampling, block); error != Error::None) {
+        return error;
     }
-    const GlobalView<WORD> factors(values->data.get(), 2 * sizeof(WORD));
+    const GlobalBlock owned(block);
+    const GlobalView<WORD> factors(block, 2 * sizeof(WORD));
     if (!factors) {
         return Error::NoMemory;
     }
     jpeg.subsamplingHorizontal = factors.get()[0];
     jpeg.subsamplingVertical = factors.get()[1];
     HGLOBAL &reference = jpeg.codec.workBlocks[3];
-    return tags.block(Tag::ReferenceBlackWhite, reference) || defaultReferenceBlackWhite(reference) ? Error::None
-                                                                                                    : Error::NoMemory;
+    const Error error = tags.block(Tag::ReferenceBlackWhite, reference);
+    return error == Error::TagMissing ? defaultReferenceBlackWhite(reference) : error;
+}
+
+// Where the tiles lie, and the coding tables.
+Error readJpegTables(CodecState &state, const ImageTags &tags) {
+    TagShape offsets;
+    if (const Error error = tags.block(Tag::TileOffsets, state.stripOffsets, &offsets); error != Error::None) {
+        return error;
+    }
+    state.offsetsType = offsets.type;
+    // By design: the module finds the TileLength values where the byte counts stand; it was made for this.
+    if (const Error error = tags.block(Tag::TileLength, state.stripByteCounts); error != Error::None) {
+        return error;
+    }
+    constexpr Tag kTables[] = {Tag::JpegQTables, Tag::JpegAcTables, Tag::JpegDcTables};
+    HGLOBAL *block = state.workBlocks;
+    for (const Tag table : kTables) {
+        if (const Error error = tags.block(table, *block++); error != Error::None) {
+            return error;
+        }
+    }
+    return Error::None;
 }
 
 // What the companion module needs to know.
@@ -161,11 +186,8 @@ Error readJpegParameters(JpegCodecState &jpeg, const ImageTags &tags) {
     state.stripCount = jpeg.tilesAcross * jpeg.tilesDown;
     const auto height = static_cast<DWORD>(state.image.biHeight);
     state.rowsPerStrip = jpeg.tileLength != 0 ? jpeg.tileLength : height;
-    // By design: the module finds the TileLength values where the byte counts stand; it was made for this.
-    if (!tags.block(Tag::TileOffsets, state.stripOffsets, &state.offsetsType) ||
-        !tags.block(Tag::TileLength, state.stripByteCounts) || !tags.block(Tag::JpegQTables, state.workBlocks[0]) ||
-        !tags.block(Tag::JpegAcTables, state.workBlocks[1]) || !tags.block(Tag::JpegDcTables, state.workBlocks[2])) {
-        return Error::TagMissing;
+    if (const Error error = readJpegTables(state, tags); error != Error::None) {
+        return error;
     }
     jpeg.planarConfiguration = tags.number(Tag::PlanarConfiguration, 1);
     jpeg.restartInterval = tags.number(Tag::JpegRestartInterval, 0);

@@ -8,15 +8,48 @@
 namespace vellum {
 namespace {
 
-// Delivers lines straight from the code buffer, as long as it holds whole ones and the strip lasts.
+void passCode(CodecState &state, DWORD bytes) {
+    state.codePointer += bytes;
+    state.codeBytesLeft -= bytes;
+}
+
+// Delivers loaded lines up to the strip's last one, without it: all that deliverLine does for lines inside a strip.
+Error deliverLinesInsideStrip(CodecState &state) {
+    const auto bytes = static_cast<DWORD>(state.bytesPerLine);
+    const LineFunc receive = state.lineFunction;
+    const DWORD last = state.stripLastLine;
+    DWORD current = state.currentLine;
+    DWORD left = state.codeBytesLeft;
+    DWORD result = 0;
+    for (BYTE *line = state.codePointer; current < last && left >= bytes; line += bytes, ++current) {
+        left -= bytes;
+        result = receive != nullptr ? receive(line, current, state.userValue) : 0;
+        if (result != 0) {
+            break;
+        }
+    }
+    passCode(state, state.codeBytesLeft - left);
+    state.currentLine = current;
+    return fromLineFunction(result);
+}
+
+// Delivers lines straight from the code buffer, as long as it holds whole ones. A line function may have changed the
+// lines that it was given, so a strip that begins before the unread code is read again.
 Error deliverLoadedLines(CodecState &state) {
     const auto bytes = static_cast<DWORD>(state.bytesPerLine);
     Error error = Error::None;
     while (error == Error::None && state.codeBytesLeft >= bytes) {
-        BYTE *line = state.codePointer;
-        state.codePointer += bytes;
-        state.codeBytesLeft -= bytes;
-        error = deliverLine(state, line);
+        error = deliverLinesInsideStrip(state);
+        if (error == Error::None && state.codeBytesLeft >= bytes) {
+            BYTE *line = state.codePointer;
+            passCode(state, bytes);
+            const BYTE *unread = state.codePointer;
+            const DWORD span = state.bufferBase;
+            error = deliverLine(state, line);
+            if (error == Error::None && state.bufferBase == span && state.codePointer < unread) {
+                error = reloadStrip(state);
+            }
+        }
     }
     return error;
 }
@@ -24,7 +57,7 @@ Error deliverLoadedLines(CodecState &state) {
 // How much to read when a line lacks so many bytes: these, and whole lines behind them, so that the next lines are not
 // divided. Code from memory is moved in spans that leave room for other things in the processor's first cache.
 DWORD usefulBytes(const CodecState &state, DWORD lacking) {
-    constexpr DWORD kMemorySpan = 6144;
+    constexpr DWORD kMemorySpan = 10240;
     const auto capacity = static_cast<DWORD>(state.codeCapacity);
     const auto bytes = static_cast<DWORD>(state.bytesPerLine);
     const DWORD span = state.stream < 0 ? std::min(capacity, std::max(bytes, kMemorySpan)) : capacity;

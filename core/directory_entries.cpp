@@ -14,7 +14,7 @@ std::array<BYTE, 4> DirectoryEntry::inlineValues() const {
 }
 
 bool EntryReader::open(DWORD directoryOffset) {
-    if (seekStream(stream_, static_cast<LONG>(directoryOffset), 0) == -1) {
+    if (seekStream(stream_, static_cast<LONG>(directoryOffset), FILE_BEGIN) == -1) {
         return false;
     }
     BYTE number[2];
@@ -34,7 +34,7 @@ bool EntryReader::readPiece() {
     if (ended_) {
         return false;
     }
-    if (moved_ && seekStream(stream_, nextPiece_, 0) == -1) {
+    if (moved_ && seekStream(stream_, nextPiece_, FILE_BEGIN) == -1) {
         return false;
     }
     moved_ = false;

@@ -75,11 +75,12 @@ Error scanChain(TiffFileBlock &file, StreamHandle stream) {
     // By design: what lies behind the last image that the table has room for is ignored without an error, so a chain
     // that loops ends here too.
     while (file.imageCount < kMaxImages) {
-        file.lastLinkPos = static_cast<DWORD>(tellStream(stream));
+        const LONG linkPosition = tellStream(stream);
         BYTE link[4];
-        if (!readBytes(stream, link, sizeof link)) {
+        if (linkPosition == -1 || !readBytes(stream, link, sizeof link)) {
             return Error::Io;
         }
+        file.lastLinkPos = static_cast<DWORD>(linkPosition);
         TiffImageSlot &slot = file.images[file.imageCount];
         slot.directoryOffset = load<DWORD>(link, file.byteOrder);
         if (slot.directoryOffset == 0) {
@@ -165,7 +166,7 @@ bool readRecords(EntryReader &entries, RecordWriter records, StreamHandle stream
             continue;
         }
         entries.streamMoved();
-        if (seekStream(stream, static_cast<LONG>(entry->offset()), 0) == -1 ||
+        if (seekStream(stream, static_cast<LONG>(entry->offset()), FILE_BEGIN) == -1 ||
             readValues(stream, entry->type, entry->count, data, byteOrder, 0) != Error::None) {
             return false;
         }

@@ -2,6 +2,7 @@
 #include "core/image_dimensions.h"
 
 #include "core/image_info.h"
+#include "core/library_state.h"
 #include "support/numeric.h"
 #include "support/screen_dc.h"
 
@@ -32,9 +33,15 @@ constexpr bool isSupportedDepth(WORD bitsPerPixel) {
     return bitsPerPixel == 1 || bitsPerPixel == 4 || bitsPerPixel == 8 || bitsPerPixel == 24;
 }
 
+// The screen's dots per inch in one direction. A process keeps the resolution it started with, so the screen is asked
+// once: every decode of an image without resolution tags would have to ask anew.
 DWORD screenDotsPerInch(int capability) {
-    const ScreenDc screen;
-    return screen ? static_cast<DWORD>(GetDeviceCaps(screen.get(), capability)) : 0;
+    DWORD &known = capability == LOGPIXELSX ? library.screenDpiX : library.screenDpiY;
+    if (known == 0) {
+        const ScreenDc screen;
+        known = screen ? static_cast<DWORD>(GetDeviceCaps(screen.get(), capability)) : 0;
+    }
+    return known;
 }
 
 // Pixels per unit: the screen's when the tag says nothing.

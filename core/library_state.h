@@ -32,6 +32,10 @@ struct LibraryState {
     // core/stream.cpp: a slot is valid from the opening of a memory stream to its close.
     MemoryStreamSlot memoryStreams[kMemoryStreamSlots];
 
+    // core/image_dimensions.cpp: the screen's resolution in dots per inch; 0 until an image needs it.
+    DWORD screenDpiX = 0;
+    DWORD screenDpiY = 0;
+
     // codec/strip_table.h: the strip table of the run in progress, which stays locked as long as the run lasts.
     LockedStripTable stripTable;
 

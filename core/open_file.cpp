@@ -31,18 +31,35 @@ struct Source {
     DWORD existingFlags;
 };
 
+bool modify(TiffFileBlock &file, const char *path, LONG byteOrder) {
+    bool stored = true;
+    if (path != nullptr) {
+        const std::size_t length = std::strlen(path) + 1;
+        stored = length <= kPathBytes;
+        if (stored) {
+            std::memmove(file.pathName, path, length);
+        } else {
+            setError(Error::PathTooLong);
+        }
+    }
+    if (byteOrder != 0) {
+        if (byteOrder != VELLUM_BYTE_ORDER_II && byteOrder != VELLUM_BYTE_ORDER_MM) {
+            setError(Error::BadByteOrder);
+            return false;
+        }
+        file.byteOrder = static_cast<WORD>(byteOrder);
+    }
+    return stored;
+}
+
 TiffHandle open(const char *path, DWORD mode, const Source &source) {
     GlobalBlock block = GlobalBlock::allocate(sizeof(TiffFileBlock));
-    if (!block) {
-        setError(Error::NoMemory);
-        return nullptr;
-    }
-    if (!modifyTiffFile(block.get(), path, VELLUM_BYTE_ORDER_II)) {
-        return nullptr;
-    }
     const TiffFileView file(block.get());
     if (!file) {
         setError(Error::NoMemory);
+        return nullptr;
+    }
+    if (!modify(*file, path, VELLUM_BYTE_ORDER_II)) {
         return nullptr;
     }
     file->lastLinkPos = kFirstLink;
@@ -112,27 +129,7 @@ bool closeTiffFile(TiffHandle tiff) {
 
 bool modifyTiffFile(TiffHandle tiff, const char *path, LONG byteOrder) {
     const TiffFileView file(tiff);
-    if (!file) {
-        return false;
-    }
-    bool stored = true;
-    if (path != nullptr) {
-        const std::size_t length = std::strlen(path) + 1;
-        stored = length <= kPathBytes;
-        if (stored) {
-            std::memmove(file->pathName, path, length);
-        } else {
-            setError(Error::PathTooLong);
-        }
-    }
-    if (byteOrder != 0) {
-        if (byteOrder != VELLUM_BYTE_ORDER_II && byteOrder != VELLUM_BYTE_ORDER_MM) {
-            setError(Error::BadByteOrder);
-            return false;
-        }
-        file->byteOrder = static_cast<WORD>(byteOrder);
-    }
-    return stored;
+    return file && modify(*file, path, byteOrder);
 }
 
 bool isImageRegistered(TiffHandle tiff, DWORD index) {

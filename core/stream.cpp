@@ -38,7 +38,7 @@ MemoryStreamSlot &slotOf(StreamHandle stream) {
 // counts) keep reads inside the data. Bytes outside the block, on either side, read as zeros.
 LONG readMemory(MemoryStreamSlot &slot, BYTE *buffer, LONG count) {
     const Position end = Position{slot.position} + count;
-    if (count < 0 || end > kLastPosition) {
+    if (end > kLastPosition) {
         return kFailed;
     }
     const GlobalView<const BYTE> block(slot.block, 0);
@@ -47,6 +47,11 @@ LONG readMemory(MemoryStreamSlot &slot, BYTE *buffer, LONG count) {
     }
     if (count == 0) {
         return 0;
+    }
+    if (slot.position >= 0 && static_cast<std::size_t>(end) <= block.bytes()) [[likely]] {
+        std::memcpy(buffer, block.get() + slot.position, static_cast<std::size_t>(count));
+        slot.position = static_cast<LONG>(end);
+        return count;
     }
     const auto inside = [&block](Position position) {
         return std::clamp<Position>(position, 0, static_cast<Position>(block.bytes()));
@@ -105,13 +110,13 @@ LONG writeMemory(MemoryStreamSlot &slot, const BYTE *buffer, DWORD count) {
 LONG seekMemory(MemoryStreamSlot &slot, LONG offset, LONG origin) {
     Position position = slot.position;
     switch (origin) {
-    case 0:
+    case FILE_BEGIN:
         position = offset;
         break;
-    case 1:
+    case FILE_CURRENT:
         position += offset;
         break;
-    case 2:
+    case FILE_END:
         // By design: the offset counts back from the end, unlike a file's. Only a position before the start is refused.
         position = Position{slot.size} - offset;
         if (position < 0 || position > kLastPosition) {

@@ -25,7 +25,7 @@ constexpr UINT kOpenRead = 0x20;   // OF_READ | OF_SHARE_DENY_WRITE
 constexpr UINT kOpenAppend = 0x32; // OF_READWRITE | OF_SHARE_DENY_READ
 constexpr UINT kOpenCreate = 0x1032;
 
-// The primitives. Origins of seekStream: 0 start, 1 current, 2 end (a memory stream counts back from its end).
+// The primitives. Origins of seekStream: FILE_BEGIN, FILE_CURRENT, FILE_END (a memory stream counts back from its end).
 LONG readStream(StreamHandle stream, BYTE *buffer, LONG count);
 LONG writeStream(StreamHandle stream, const BYTE *buffer, DWORD count);
 LONG seekStream(StreamHandle stream, LONG offset, LONG origin);

@@ -7,8 +7,6 @@
 namespace vellum {
 namespace {
 
-constexpr LONG kFromEnd = 2;
-
 template <class Number>
 BYTE *bytesOf(Number &number) {
     return reinterpret_cast<BYTE *>(&number);
@@ -22,7 +20,7 @@ Error writeTiffHeader(TiffHandle tiff, StreamHandle stream, DWORD firstDirectory
         return Error::NoMemory;
     }
     if ((file->openFlags & OF_CREATE) == 0) {
-        seekStream(stream, 0, kFromEnd);
+        seekStream(stream, 0, FILE_END);
         return Error::None;
     }
     WORD byteOrder = file->byteOrder;

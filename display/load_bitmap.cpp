@@ -39,8 +39,12 @@ HBITMAP loadBitmap(TiffHandle tiff, DWORD index) {
     if (!header) {
         return nullptr;
     }
+    const bool worthIt = worthLoading(tiff, index, *header);
     // A load that never reaches the decoder ends for want of memory.
     setError(Error::NoMemory);
+    if (!worthIt) {
+        return nullptr;
+    }
     const OwnedPalette palette = makePalette(info.get());
     const RealizedPalette realized(dc.get(), palette.get());
     OwnedBitmap bitmap(createBitmap(dc.get(), *header));

@@ -1,26 +1,11 @@
 // Loading into a packed DIB: the header and colour table grow into the whole DIB, and the lines are copied into it.
 #include "display/loading.h"
 
-#include "codec/decode_driver.h"
-#include "core/image_info.h"
 #include "support/row_bytes.h"
 #include "support/wait_cursor.h"
 
 namespace vellum {
 namespace {
-
-// Whether the image's file can fill a DIB of this size.
-bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header, Size imageBytes) {
-    DWORD streamBytes = 0;
-    if (const TiffFileView file(tiff); file) {
-        const Stream stream(openForReading(*file));
-        const LONG size = stream ? sizeOfStream(stream.get()) : -1;
-        streamBytes = size < 0 ? 0 : static_cast<DWORD>(size);
-    }
-    const DWORD compression = firstValue(tiff, index, Tag::Compression).value_or(1);
-    const DWORD rowBytes = lineBytes(static_cast<DWORD>(header.biWidth), header.biBitCount).fit().value_or(0);
-    return worthAllocating(imageBytes, compression, rowBytes, streamBytes);
-}
 
 // A packed DIB in the making: the block and where its rows begin.
 struct DibLayout {
@@ -44,8 +29,8 @@ std::optional<DibLayout> layoutOf(HGLOBAL block) {
 
 // Grows a header and colour table to the whole DIB. An empty block when there is no memory for it.
 GlobalBlock grownToDib(TiffHandle tiff, DWORD index, GlobalBlock block, const DibLayout &layout) {
-    const bool grown = worthLoading(tiff, index, layout.header, layout.imageBytes) &&
-                       block.grow(Size(layout.bitsOffset) + layout.imageBytes);
+    const bool grown =
+        worthLoading(tiff, index, layout.header) && block.grow(Size(layout.bitsOffset) + layout.imageBytes);
     if (!grown) {
         block.reset();
     }
@@ -70,10 +55,6 @@ bool decodeIntoDib(TiffHandle tiff, DWORD index, HGLOBAL dib, const DibLayout &l
 }
 
 } // namespace
-
-bool leavesPartOfThePicture(Error error) {
-    return error == Error::UnexpectedEnd || error == Error::EofbMissing || error == Error::EofbUnexpected;
-}
 
 HGLOBAL loadDib(TiffHandle tiff, DWORD index) {
     const WaitCursor wait;

@@ -38,6 +38,10 @@ DWORD VELLUMAPI asLineFunc(BYTE *line, DWORD row, DWORD userValue) {
     return lineFunction(line, row, reinterpret_cast<LoadLineContext *>(static_cast<UINT_PTR>(userValue)));
 }
 
+// Whether the image's file can fill a picture of this size: a small file may claim a huge one. The file is looked at
+// only for large pictures.
+bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header);
+
 // Decodes a whole registered image through a line function that works on a context.
 inline bool decodeInto(TiffHandle tiff, DWORD index, LoadLineContext &context, LineFunc lineFunction) {
     const auto userValue = static_cast<DWORD>(reinterpret_cast<UINT_PTR>(&context));

@@ -284,14 +284,19 @@ void VELLUMAPI GetTiffVersion(char *buffer, LONG length);
  */
 LONG VELLUMAPI mRead(StreamHandle stream, BYTE *buffer, LONG count);
 
-/* Writes count bytes. Result: the bytes written, or -1. A memory stream grows by just what is needed. */
+/*
+ * Writes count bytes. Result: the bytes written, or -1. A memory stream grows by just what is needed. Its block may
+ * then lie elsewhere, so it cannot grow while the caller holds it locked; a stream that could not grow has no block any
+ * more.
+ */
 LONG VELLUMAPI mWrite(StreamHandle stream, const BYTE *buffer, DWORD count);
 
 /*
  * Moves the position.
  *   origin  0 from the start, 1 from the current position, 2 from the end. From the end of a memory stream the offset
  *           counts backwards: mSeek(s, 10, 2) is 10 bytes before its end. A file takes it as _llseek does.
- * Result: the new position, or -1. A memory stream takes no position behind its end.
+ * Result: the new position, or -1. In a memory stream origins 0 and 1 go no further than its end, and origin 2 not
+ * before its start: mSeek(s, -10, 2) is 10 bytes behind the end. Any other origin leaves the position as it is.
  */
 LONG VELLUMAPI mSeek(StreamHandle stream, LONG offset, LONG origin);
 
@@ -301,7 +306,10 @@ LONG VELLUMAPI mTell(StreamHandle stream);
 /* Result: the size in bytes, or -1. */
 LONG VELLUMAPI mSize(StreamHandle stream);
 
-/* Closes a stream. Result: 0, or -1. The block of a memory stream stays the caller's. */
+/*
+ * Closes a stream. Result: 0, or -1 for a file that cannot be closed and for handle 0. A handle below -30 comes back as
+ * it is. The block of a memory stream stays the caller's.
+ */
 LONG VELLUMAPI mClose(StreamHandle stream);
 
 /*

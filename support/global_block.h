@@ -26,10 +26,11 @@ public:
         return GlobalBlock(fitting ? GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, *fitting) : nullptr);
     }
 
-    // Makes the block larger, the growth zero-filled. On failure the block stays as it was.
+    // Gives the block another size, growth zero-filled. On failure the block stays as it was. A locked block is never
+    // moved, for whoever locked it holds its address.
     [[nodiscard]] bool grow(Size bytes) {
         const auto fitting = bytes.fit();
-        HGLOBAL grown = fitting ? GlobalReAlloc(handle_, *fitting, GMEM_MOVEABLE | GMEM_ZEROINIT) : nullptr;
+        HGLOBAL grown = fitting ? GlobalReAlloc(handle_, *fitting, GMEM_ZEROINIT) : nullptr;
         if (grown == nullptr) {
             return false;
         }

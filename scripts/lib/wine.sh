@@ -12,6 +12,8 @@ WINE_TREE=$VELLUM_CACHE/wine-i386
 # VELLUM_WINE_GRAPHICS=x11 with a DISPLAY, in a prefix of its own.
 WINE_GRAPHICS=${VELLUM_WINE_GRAPHICS:-null}
 export WINEPREFIX=$VELLUM_CACHE/prefix-$WINE_GRAPHICS
+# File names are UTF-8, whatever the caller's locale.
+export LC_ALL=C.UTF-8
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=}
 WINE_READY=$WINEPREFIX/.vellum-ready
@@ -67,7 +69,7 @@ prepare_wine() {
     else
         WINE_KIND=tree
         make_tree
-        make_prefix
+        make_prefix || die "the Wine prefix could not be made"
         finish_prefix
     fi
     exec 9>&-
@@ -78,8 +80,9 @@ machine_wine_works() {
     command -v wine >/dev/null && command -v wineserver >/dev/null || return 1
     WINE_KIND=machine
     make_prefix || return 1
-    local system32='C:\windows\syswow64' status=0
-    grep -q '#arch=win32' "$WINEPREFIX/system.reg" 2>/dev/null && system32='C:\windows\system32'
+    # Where 32-bit programs lie: beside the 64-bit ones, or alone.
+    local system32='C:\windows\system32' status=0
+    [ ! -d "$WINEPREFIX/drive_c/windows/syswow64" ] || system32='C:\windows\syswow64'
     wine "$system32\\cmd.exe" /c exit 7 >/dev/null 2>&1 9>&- </dev/null || status=$?
     [ "$status" -eq 7 ] && return 0
     wineserver -k 2>/dev/null || true
@@ -143,24 +146,34 @@ finish_prefix() {
 #   start_wine_server PID    for that process, until stop_wine_server PID
 start_wine_server() {
     [ $# -gt 0 ] || trap "stop_wine_server $$" EXIT
-    mkdir -p "$WINE_USERS"
-    touch "$WINE_USERS/${1:-$$}"
     (
         flock 9
+        forget_ended_users
+        note_wine_user "${1:-$$}"
         in_wine wineserver -p >/dev/null 2>&1 9>&- </dev/null || true
         in_wine wine cmd /c exit >/dev/null 2>&1 9>&- </dev/null
     ) 9>"$VELLUM_CACHE/server.lock"
 }
 
 stop_wine_server() {
-    rm -f "$WINE_USERS/$1"
     (
         flock 9
-        for user in "$WINE_USERS"/*; do
-            kill -0 "${user##*/}" 2>/dev/null && exit 0
-        done
-        rm -rf "$WINE_USERS"
+        rm -f "$WINE_USERS/$1"
+        forget_ended_users
+        [ -z "$(ls "$WINE_USERS")" ] || exit 0
         in_wine wineserver -k 9>&- || true
         in_wine wineserver -w 9>&- || true
     ) 9>"$VELLUM_CACHE/server.lock" >/dev/null 2>&1 </dev/null
+}
+
+note_wine_user() {
+    [ -d "$WINE_USERS" ] || mkdir -p "$WINE_USERS"
+    : >"$WINE_USERS/$1"
+}
+
+forget_ended_users() {
+    local user
+    for user in "$WINE_USERS"/*; do
+        kill -0 "${user##*/}" 2>/dev/null || rm -f "$user"
+    done
 }

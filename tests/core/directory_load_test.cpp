@@ -309,7 +309,9 @@ TEST_F(LoadFromAFile, NeverTakesMoreRoomThanTheDirectoryHadAtTheOpening) {
     more.directory({tiff::shorts(256, {1}), tiff::shorts(257, {1}), tiff::shorts(258, {1})});
     tiff::Builder longer;
     longer.directory({tiff::shorts(256, {1}), tiff::longs(257, {1, 2, 3, 4, 5, 6})});
-    for (const tiff::Builder *after : {&more, &longer}) {
+    tiff::Builder longerByOne;
+    longerByOne.directory({tiff::shorts(256, {1}), tiff::byteValues(257, {1, 2, 3, 4, 5})});
+    for (const tiff::Builder *after : {&more, &longer, &longerByOne}) {
         for (const Place place : {Place::File, Place::Memory}) {
             Bytes content = before.bytes();
             content.resize(200);
@@ -322,8 +324,10 @@ TEST_F(LoadFromAFile, NeverTakesMoreRoomThanTheDirectoryHadAtTheOpening) {
                 const GlobalView<BYTE> block(tiff.block());
                 std::memcpy(block.get(), changed.data(), changed.size());
             }
+            const FailNth counter(Call::Allocate, FailNth::kNever);
             EXPECT_EQ(GetTiffImage(tiff.get(), 0), 0u);
             EXPECT_EQ(SetTiffError(0), 6u);
+            EXPECT_EQ(counter.calls(), place == Place::File ? 0u : 1u) << "a file is looked through first";
         }
     }
 }
@@ -374,7 +378,7 @@ TEST_F(LoadFromAFile, SurvivesEveryFailingCall) {
 
 // A caller can write into the block that a handle is; a directory that makes no sense ends the search.
 TEST_F(LoadedDirectory, IsNotTrustedBlindlyAfterwards) {
-    for (const DWORD length : {0u, 11u, 46u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+    for (const DWORD length : {0u, 11u, 34u, 46u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         const OneImage image({tiff::shorts(256, {1}), tiff::shorts(257, {2})});
         {
             const TiffFileView file(image.get());
@@ -385,6 +389,7 @@ TEST_F(LoadedDirectory, IsNotTrustedBlindlyAfterwards) {
         SetTiffError(0);
         EXPECT_EQ(GetTiffImageInfo(image.get(), 0, 257, &value), 0) << length;
         EXPECT_EQ(TiffError(), 13u);
+        EXPECT_EQ(valuesOf(image.get(), 256).result, 0) << "its own record is the broken one";
         EXPECT_EQ(valuesOf(image.get(), 0).data, Bytes(8));
     }
 }

@@ -173,6 +173,45 @@ TEST_F(OpenFile, RefusesLongerPathsWithError7) {
     EXPECT_EQ(TiffError(), 7u);
 }
 
+TEST_F(OpenFile, WithALongPathMayBeMissingToo) {
+    const std::string path = longPath(140);
+    EXPECT_EQ(OpenTiffFile(path.c_str(), T_READ), nullptr);
+    EXPECT_EQ(SetTiffError(0), 6u);
+    TiffHandle tiff = OpenTiffFile(path.c_str(), T_APPEND);
+    ASSERT_NE(tiff, nullptr);
+    EXPECT_EQ(imageCount(tiff), 0u);
+    EXPECT_EQ(CloseTiffFile(tiff), 1u);
+    EXPECT_FALSE(readFile(path).has_value()) << "nothing was created";
+    std::filesystem::create_directory(path);
+    EXPECT_EQ(OpenTiffFile(path.c_str(), T_READ), nullptr) << "a folder";
+    EXPECT_EQ(SetTiffError(0), 6u);
+    std::filesystem::remove(path);
+}
+
+TEST_F(OpenFile, IsOpenedOnceToReadAndTwiceToAppend) {
+    const TempFile file(plainTiff(2));
+    {
+        const FailNth fault(Call::Open, 0);
+        EXPECT_EQ(OpenTiffFile(file.path(), T_READ), nullptr);
+        EXPECT_EQ(fault.calls(), 1u);
+    }
+    EXPECT_EQ(SetTiffError(0), 6u);
+    {
+        const FailNth fault(Call::Open, 0);
+        TiffHandle tiff = OpenTiffFile(file.path(), T_APPEND);
+        EXPECT_EQ(fault.calls(), 1u);
+        EXPECT_EQ(TiffError(), 0u);
+        EXPECT_EQ(imageCount(tiff), 0u) << "what cannot be opened becomes a new file";
+        CloseTiffFile(tiff);
+    }
+    {
+        const FailNth fault(Call::Open, 1);
+        EXPECT_EQ(OpenTiffFile(file.path(), T_APPEND), nullptr);
+        EXPECT_EQ(fault.calls(), 2u);
+    }
+    EXPECT_EQ(SetTiffError(0), 6u);
+}
+
 TEST_F(OpenFile, NeedsMemoryForItsHandle) {
     const TempFile file(plainTiff(1));
     {
@@ -367,108 +406,6 @@ TEST_F(OpenFile, IsNotFoundInABlockThatIsTooSmall) {
     EXPECT_EQ(GlobalSize(block), 14175u) << "not freed";
     EXPECT_EQ(lockCount(block), 0u);
     GlobalFree(block);
-}
-
-class Registered : public ::testing::TestWithParam<Variant> {
-protected:
-    void SetUp() override { SetTiffError(VELLUM_OK); }
-    void TearDown() override { SetTiffError(VELLUM_OK); }
-};
-INSTANTIATE_TEST_SUITE_P(, Registered, allVariants(), variantName);
-
-TEST_P(Registered, ImagesComeAndGo) {
-    const OpenedTiff tiff(plainTiff(3, GetParam().byteOrder), GetParam().place);
-    EXPECT_EQ(IsTiffImageRegistered(tiff.get(), 1), 0u);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 1), 1u);
-    EXPECT_EQ(IsTiffImageRegistered(tiff.get(), 1), 1u);
-    EXPECT_EQ(IsTiffImageRegistered(tiff.get(), 0), 0u);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 1), 1u) << "once more changes nothing";
-    EXPECT_EQ(DropTiffImage(tiff.get(), 1), 1u);
-    EXPECT_EQ(IsTiffImageRegistered(tiff.get(), 1), 0u);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 1), 1u);
-    EXPECT_EQ(TiffError(), 0u);
-    DWORD width = 0;
-    EXPECT_EQ(GetTiffImageInfo(tiff.get(), 1, 256, &width), 1);
-    EXPECT_EQ(width, 2u);
-}
-
-TEST_P(Registered, ImagesAreDroppedByClosing) {
-    const OpenedTiff tiff(plainTiff(3, GetParam().byteOrder), GetParam().place);
-    for (DWORD index = 0; index < 3; ++index) {
-        EXPECT_EQ(GetTiffImage(tiff.get(), index), 1u);
-    }
-    // The blocks are counted by whatever runs the test.
-}
-
-TEST_F(OpenFile, AnswersForIndexesOfTheWholeTableOnly) {
-    const OpenedTiff tiff(plainTiff(1), Place::Memory);
-    EXPECT_EQ(IsTiffImageRegistered(tiff.get(), 999), 0u) << "no image, but inside the table";
-    EXPECT_EQ(TiffError(), 0u);
-    for (const LONG index : {1000, 0x7FFFFFFF, -1, -0x7FFFFFFF - 1}) {
-        SetTiffError(0);
-        EXPECT_EQ(IsTiffImageRegistered(tiff.get(), index), 0u) << index;
-        EXPECT_EQ(TiffError(), 3u);
-        SetTiffError(0);
-        EXPECT_EQ(DropTiffImage(tiff.get(), static_cast<DWORD>(index)), 0u);
-        EXPECT_EQ(TiffError(), 3u);
-        SetTiffError(0);
-        EXPECT_EQ(GetTiffImage(tiff.get(), static_cast<DWORD>(index)), 0u);
-        EXPECT_EQ(TiffError(), 3u);
-    }
-}
-
-// By design.
-TEST_F(OpenFile, DropsAnUnregisteredImageUnlessAnErrorIsPending) {
-    const OpenedTiff tiff(plainTiff(1), Place::Memory);
-    EXPECT_EQ(DropTiffImage(tiff.get(), 0), 1u);
-    SetTiffError(5);
-    EXPECT_EQ(DropTiffImage(tiff.get(), 0), 0u);
-    EXPECT_EQ(TiffError(), 5u);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 0), 1u);
-    EXPECT_EQ(DropTiffImage(tiff.get(), 0), 1u) << "a registered image is dropped all the same";
-}
-
-// By design.
-TEST_F(OpenFile, DoesNotRegisterAnImageWhileError3IsPending) {
-    const OpenedTiff tiff(plainTiff(2), Place::Memory);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 0), 1u);
-    SetTiffError(3);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 1), 0u);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 0), 1u) << "it is registered already";
-    EXPECT_EQ(SetTiffError(6), 3u);
-    EXPECT_EQ(GetTiffImage(tiff.get(), 1), 1u) << "other errors do not matter";
-    EXPECT_EQ(TiffError(), 6u) << "and stay";
-}
-
-// By design.
-TEST_F(OpenFile, CountsImagesOfAKindByTheirWholeFlagsOverTheWholeTable) {
-    tiff::Builder file;
-    for (const std::uint32_t kind : {0u, 1u, 2u, 2u}) {
-        file.directory({tiff::longs(254, {kind}), tiff::shorts(256, {1})});
-    }
-    const OpenedTiff tiff(file.bytes(), Place::Memory);
-    const auto count = [&tiff](DWORD kind) { return NumberOfTiffImages(tiff.get(), kind); };
-    EXPECT_EQ(count(VELLUM_ALL_IMAGES), 4);
-    EXPECT_EQ(count(VELLUM_ALL_IMAGES | 2), 4);
-    EXPECT_EQ(count(0xFFFFFFFF), 4);
-    EXPECT_EQ(count(0), 997) << "996 unused entries and the full-resolution image";
-    EXPECT_EQ(count(1), 1);
-    EXPECT_EQ(count(2), 2);
-    EXPECT_EQ(count(3), 0);
-    EXPECT_EQ(count(0x4002), 0);
-    GetTiffImage(tiff.get(), 2);
-    EXPECT_EQ(count(2), 1) << "the registered one does not count";
-    EXPECT_EQ(count(0x4002), 1);
-    EXPECT_EQ(count(0x10002), 0) << "all 32 bits are compared";
-    EXPECT_EQ(count(VELLUM_ALL_IMAGES), 4);
-    DropTiffImage(tiff.get(), 2);
-    EXPECT_EQ(count(2), 2);
-}
-
-TEST_F(OpenFile, HasAThousandFullResolutionImagesWhenAllOfItsOwnAre) {
-    const OpenedTiff tiff(plainTiff(3), Place::Memory);
-    EXPECT_EQ(NumberOfTiffImages(tiff.get(), 0), 1000);
-    EXPECT_EQ(NumberOfTiffImages(tiff.get(), VELLUM_ALL_IMAGES), 3);
 }
 
 } // namespace

@@ -221,6 +221,18 @@ TEST_F(MemoryStream, HasNoBlockAfterItCouldNotGrow) {
     EXPECT_EQ(TiffError(), 0u) << "the primitives set no error";
 }
 
+TEST_F(MemoryStream, NeverMovesABlockThatItsOwnerHoldsLocked) {
+    const void *address = GlobalLock(block_);
+    mSeek(stream_, 100, 0);
+    EXPECT_EQ(mWrite(stream_, Bytes(1000000, 1).data(), 1000000), -1);
+    EXPECT_EQ(memoryStreamBlock(stream_), nullptr);
+    EXPECT_EQ(GlobalLock(block_), address);
+    EXPECT_EQ(lockCount(block_), 2u);
+    GlobalUnlock(block_);
+    GlobalUnlock(block_);
+    EXPECT_EQ(blockBytes(block_), countingBytes(100));
+}
+
 // By design.
 TEST_F(MemoryStream, IsTakenOverByTheNextOneThatIsOpened) {
     mSeek(stream_, 50, 0);

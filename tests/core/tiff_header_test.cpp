@@ -45,6 +45,17 @@ TEST(TiffHeader, IsLeftAloneInExistingFiles) {
     CloseTiffFile(tiff);
 }
 
+TEST(TiffHeader, IsNotWrittenIntoMemory) {
+    HGLOBAL block = makeBlock({1, 2, 3});
+    TiffHandle tiff = OpenTiffInMemory(block, 3, T_CREAT);
+    const Stream stream(openMemoryStream(block, 3));
+    EXPECT_EQ(writeTiffHeader(tiff, stream.get(), 8), Error::None);
+    EXPECT_EQ(mTell(stream.get()), 3) << "at the end";
+    EXPECT_EQ(blockBytes(block), (Bytes{1, 2, 3}));
+    CloseTiffFile(tiff);
+    GlobalFree(block);
+}
+
 TEST(TiffHeader, ThatCannotBeWrittenIsAnError) {
     const TempFile file;
     TiffHandle tiff = OpenTiffFile(file.path(), T_CREAT);

@@ -42,6 +42,17 @@ TEST(GlobalBlock, StaysAsItWasWhenItCannotGrow) {
     EXPECT_EQ(blockBytes(block.get()), (Bytes{1, 2}));
 }
 
+TEST(GlobalBlock, IsNotMovedWhileItIsLocked) {
+    GlobalBlock block(makeBlock({1, 2}));
+    {
+        const GlobalView<BYTE> view(block.get());
+        EXPECT_FALSE(block.grow(1000000));
+        EXPECT_EQ(view.get()[1], 2);
+    }
+    EXPECT_EQ(blockBytes(block.get()), (Bytes{1, 2}));
+    EXPECT_TRUE(block.grow(1000000)) << "and is when it is not";
+}
+
 TEST(GlobalBlock, MovesItsHandle) {
     GlobalBlock first(makeBlock({1}));
     HGLOBAL handle = first.get();

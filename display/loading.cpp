@@ -1,0 +1,40 @@
+// What the loaders share: whether a picture is worth its memory, and which errors leave part of one.
+#include "display/loading.h"
+
+#include "codec/decode_driver.h"
+#include "core/image_info.h"
+#include "core/stream.h"
+#include "support/row_bytes.h"
+
+namespace vellum {
+namespace {
+
+DWORD streamBytes(TiffHandle tiff) {
+    const TiffFileView file(tiff);
+    if (!file) {
+        return 0;
+    }
+    const Stream stream(openForReading(*file));
+    const LONG size = stream ? sizeOfStream(stream.get()) : -1;
+    return size < 0 ? 0 : static_cast<DWORD>(size);
+}
+
+} // namespace
+
+bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header) {
+    const auto width = static_cast<DWORD>(header.biWidth);
+    const Size imageBytes = dibRowBytes(width, header.biBitCount) * Size(static_cast<DWORD>(header.biHeight));
+    const auto bytes = imageBytes.fit();
+    if (bytes && *bytes <= kNeedsNoProof) {
+        return true;
+    }
+    const DWORD compression = firstValue(tiff, index, Tag::Compression).value_or(1);
+    const DWORD rowBytes = lineBytes(width, header.biBitCount).fit().value_or(0);
+    return worthAllocating(imageBytes, compression, rowBytes, streamBytes(tiff));
+}
+
+bool leavesPartOfThePicture(Error error) {
+    return error == Error::UnexpectedEnd || error == Error::EofbMissing || error == Error::EofbUnexpected;
+}
+
+} // namespace vellum

@@ -1,0 +1,157 @@
+// Stands in for the GDI and clipboard calls of the library.
+#include <windows.h>
+
+#ifndef VELLUM_NATIVE
+#include "gdi_calls.h"
+
+namespace vellum::test {
+namespace {
+
+GdiCalls::Counts counts;
+GdiCalls::Fail failing = GdiCalls::Fail::Nothing;
+
+struct {
+    ImportPatch createBitmap;
+    ImportPatch createCompatibleBitmap;
+    ImportPatch createPalette;
+    ImportPatch deleteObject;
+    ImportPatch getDc;
+    ImportPatch releaseDc;
+    ImportPatch selectPalette;
+    ImportPatch realizePalette;
+    ImportPatch setDiBits;
+    ImportPatch openClipboard;
+    ImportPatch closeClipboard;
+    ImportPatch emptyClipboard;
+    ImportPatch setClipboardData;
+} patches;
+
+template <class Handle>
+Handle counted(Handle handle) {
+    counts.objects += handle == nullptr ? 0 : 1;
+    return handle;
+}
+
+HBITMAP WINAPI countCreateBitmap(int width, int height, UINT planes, UINT bits, const void *data) {
+    return failing == GdiCalls::Fail::Bitmap
+               ? nullptr
+               : counted(patches.createBitmap.original<decltype(CreateBitmap)>()(width, height, planes, bits, data));
+}
+
+HBITMAP WINAPI countCreateCompatibleBitmap(HDC dc, int width, int height) {
+    return failing == GdiCalls::Fail::Bitmap
+               ? nullptr
+               : counted(
+                     patches.createCompatibleBitmap.original<decltype(CreateCompatibleBitmap)>()(dc, width, height));
+}
+
+HPALETTE WINAPI countCreatePalette(const LOGPALETTE *palette) {
+    return failing == GdiCalls::Fail::Palette
+               ? nullptr
+               : counted(patches.createPalette.original<decltype(CreatePalette)>()(palette));
+}
+
+BOOL WINAPI countDeleteObject(HGDIOBJ object) {
+    const BOOL deleted = patches.deleteObject.original<decltype(DeleteObject)>()(object);
+    counts.objects -= deleted ? 1 : 0;
+    return deleted;
+}
+
+HDC WINAPI countGetDc(HWND window) {
+    if (failing == GdiCalls::Fail::GetDc) {
+        return nullptr;
+    }
+    ++counts.contexts;
+    return patches.getDc.original<decltype(GetDC)>()(window);
+}
+
+int WINAPI countReleaseDc(HWND window, HDC dc) {
+    --counts.contexts;
+    return patches.releaseDc.original<decltype(ReleaseDC)>()(window, dc);
+}
+
+HPALETTE WINAPI countSelectPalette(HDC dc, HPALETTE palette, BOOL background) {
+    const HPALETTE before = patches.selectPalette.original<decltype(SelectPalette)>()(dc, palette, background);
+    if (counts.paletteSelections++ == 0) {
+        counts.original = before;
+    }
+    counts.selected = palette;
+    return before;
+}
+
+UINT WINAPI countRealizePalette(HDC dc) {
+    ++counts.paletteRealizations;
+    return patches.realizePalette.original<decltype(RealizePalette)>()(dc);
+}
+
+int WINAPI countSetDiBits(HDC dc, HBITMAP bitmap, UINT start, UINT lines, const void *bits, const BITMAPINFO *info,
+                          UINT usage) {
+    ++counts.lines;
+    counts.lastUsage = usage;
+    return patches.setDiBits.original<decltype(SetDIBits)>()(dc, bitmap, start, lines, bits, info, usage);
+}
+
+BOOL WINAPI countOpenClipboard(HWND window) {
+    if (failing == GdiCalls::Fail::OpenClipboard) {
+        return FALSE;
+    }
+    ++counts.clipboardOpen;
+    return patches.openClipboard.original<decltype(OpenClipboard)>()(window);
+}
+
+BOOL WINAPI countCloseClipboard() {
+    --counts.clipboardOpen;
+    return patches.closeClipboard.original<decltype(CloseClipboard)>()();
+}
+
+BOOL WINAPI countEmptyClipboard() {
+    ++counts.clipboardEmptied;
+    return patches.emptyClipboard.original<decltype(EmptyClipboard)>()();
+}
+
+HANDLE WINAPI countSetClipboardData(UINT format, HANDLE data) {
+    return failing == GdiCalls::Fail::SetClipboardData
+               ? nullptr
+               : patches.setClipboardData.original<decltype(SetClipboardData)>()(format, data);
+}
+
+} // namespace
+
+GdiCalls::GdiCalls(Fail fail) {
+    vellum::test::counts = {};
+    failing = fail;
+    patches.createBitmap.replace("CreateBitmap", &countCreateBitmap);
+    patches.createCompatibleBitmap.replace("CreateCompatibleBitmap", &countCreateCompatibleBitmap);
+    patches.createPalette.replace("CreatePalette", &countCreatePalette);
+    patches.deleteObject.replace("DeleteObject", &countDeleteObject);
+    patches.getDc.replace("GetDC", &countGetDc);
+    patches.releaseDc.replace("ReleaseDC", &countReleaseDc);
+    patches.selectPalette.replace("SelectPalette", &countSelectPalette);
+    patches.realizePalette.replace("RealizePalette", &countRealizePalette);
+    patches.setDiBits.replace("SetDIBits", &countSetDiBits);
+    patches.openClipboard.replace("OpenClipboard", &countOpenClipboard);
+    patches.closeClipboard.replace("CloseClipboard", &countCloseClipboard);
+    patches.emptyClipboard.replace("EmptyClipboard", &countEmptyClipboard);
+    patches.setClipboardData.replace("SetClipboardData", &countSetClipboardData);
+}
+
+GdiCalls::~GdiCalls() {
+    ImportPatch *all[] = {&patches.createBitmap,    &patches.createCompatibleBitmap,
+                          &patches.createPalette,   &patches.deleteObject,
+                          &patches.getDc,           &patches.releaseDc,
+                          &patches.selectPalette,   &patches.realizePalette,
+                          &patches.setDiBits,       &patches.openClipboard,
+                          &patches.closeClipboard,  &patches.emptyClipboard,
+                          &patches.setClipboardData};
+    for (ImportPatch *patch : all) {
+        patch->restore();
+    }
+}
+
+const GdiCalls::Counts &GdiCalls::counts() {
+    return vellum::test::counts;
+}
+
+} // namespace vellum::test
+
+#endif
