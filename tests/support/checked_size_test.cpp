@@ -1,4 +1,4 @@
-// Sizes that cannot wrap, and the roundings of a row.
+// Sizes that cannot wrap.
 #include "support/checked_size.h"
 
 #include <gtest/gtest.h>
