@@ -2,6 +2,8 @@
 // test program uses.
 #include "support/paths.h"
 
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -66,9 +68,21 @@ std::string tempFolder() {
 #endif
 }
 
+namespace {
+
+// A name that no other run has: process numbers come round again, under Wine soon, and a run that was killed leaves its
+// files behind.
+std::string runName() {
+    const auto time = std::chrono::system_clock::now().time_since_epoch().count();
+    return std::to_string(processId()) + "-" + std::to_string(static_cast<std::uint32_t>(time / 100));
+}
+
+} // namespace
+
 TempFile::TempFile() {
+    static const std::string run = runName();
     static int counter = 0;
-    path_ = tempFolder() + "/vt" + std::to_string(processId()) + "-" + std::to_string(++counter) + ".tmp";
+    path_ = tempFolder() + "/vt" + run + "-" + std::to_string(++counter) + ".tmp";
 }
 
 TempFile::TempFile(const Bytes &content) : TempFile() {
