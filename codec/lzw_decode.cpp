@@ -26,6 +26,7 @@ constexpr int kMostWidth = 12;
 constexpr DWORD kChunk = 8;
 // From this length on, filling beats writing a uniform string chunk by chunk.
 constexpr LONG kLongString = 64;
+static_assert(kChunk <= kMovePiece);
 
 struct LzwEntry {
     BYTE chunk[kChunk]; // bytes of the string from a multiple of kChunk on; 1 to kChunk of them
@@ -134,7 +135,7 @@ private:
     LzwTable &table_;
     bool differencing_;
     // Strings that do not end with the line.
-    BYTE overlong_[kCodes + kChunk];
+    BYTE overlong_[kCodes + kMovePiece];
 };
 
 Error LzwRun::decodeStrip() {
@@ -199,7 +200,7 @@ Error LzwRun::deliverString(unsigned code) {
         if (entry.uniform) {
             fillLine(state_.linePointer, entry.first, piece);
         } else {
-            std::memcpy(state_.linePointer, from, piece);
+            copyInPieces(state_.linePointer, from, piece);
         }
         state_.linePointer += piece;
         state_.lineBytesLeft -= static_cast<LONG>(piece);
