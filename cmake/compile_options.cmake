@@ -30,16 +30,18 @@ else()
     endif()
 endif()
 
-# The project's own code: every warning is an error. The prefix map keeps the place of the checkout out of the binaries.
+# The project's own code: every warning is an error.
 add_library(vellum_options INTERFACE)
 target_link_libraries(vellum_options INTERFACE vellum_platform)
 target_include_directories(vellum_options INTERFACE ${PROJECT_SOURCE_DIR})
 target_compile_options(
     vellum_options
-    INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Werror>
-              $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
+    INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-Wall;-Wextra;-Wpedantic;-Wconversion;-Wshadow;-Werror>)
 if(WIN32)
-    # Two builds of the same sources give the same bytes: no time stamp, and no image base made from the output path.
+    # Two builds of the same sources give the same bytes wherever they lie: no path of the checkout, no time stamp, and
+    # no image base made from the output path.
+    target_compile_options(
+        vellum_options INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
     target_link_options(vellum_options INTERFACE -Wl,--no-insert-timestamp -Wl,--image-base,0x10000000)
 endif()
 
