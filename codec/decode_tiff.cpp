@@ -245,7 +245,10 @@ Error run(CodecState &state, const DecodeRequest &request) {
     if (!worthAllocating(Size(lineSize), state.compressionKey, lineSize, state.streamLimit)) {
         return Error::NoMemory;
     }
-    const StripTableLock locked(state.stripOffsets);
+    const RunLock table(library.stripTable, state.stripOffsets);
+    // Uncompressed code is read in short spans, too short to lock the block for each.
+    const RunLock memory(library.memoryTiff,
+                         state.compressionKey == VELLUM_KEY_NONE ? memoryStreamBlock(state.stream) : nullptr);
     const PartialDecodeFlag partial(request.firstStrip);
     return decodeImageData(state);
 }

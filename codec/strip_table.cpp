@@ -23,7 +23,7 @@ std::optional<DWORD> stripOffset(const CodecState &state, DWORD strip) {
         return state.offsetsType == kTypeShort ? entryOf<WORD>(table, bytes, strip)
                                                : entryOf<DWORD>(table, bytes, strip);
     };
-    if (const LockedStripTable &locked = library.stripTable; locked.block == state.stripOffsets) {
+    if (const LockedBlock &locked = library.stripTable; locked.block == state.stripOffsets) {
         return look(locked.bytes, locked.size);
     }
     const GlobalView<const BYTE> table(state.stripOffsets, 1);

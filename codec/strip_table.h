@@ -10,19 +10,20 @@
 
 namespace vellum {
 
-// Keeps a table locked; the one that was locked before is taken up again at the end.
-class StripTableLock {
+// Keeps a block locked; the one that was locked before is taken up again at the end.
+class RunLock {
 public:
-    explicit StripTableLock(HGLOBAL table) : view_(table, 0), outer_(library.stripTable) {
-        library.stripTable = {table, view_.get(), static_cast<DWORD>(view_.bytes())};
+    RunLock(LockedBlock &place, HGLOBAL block) : place_(place), view_(block, 0), outer_(place) {
+        place = {view_ ? block : nullptr, view_.get(), static_cast<DWORD>(view_.bytes())};
     }
-    StripTableLock(const StripTableLock &) = delete;
-    StripTableLock &operator=(const StripTableLock &) = delete;
-    ~StripTableLock() { library.stripTable = outer_; }
+    RunLock(const RunLock &) = delete;
+    RunLock &operator=(const RunLock &) = delete;
+    ~RunLock() { place_ = outer_; }
 
 private:
+    LockedBlock &place_;
     GlobalView<const BYTE> view_;
-    LockedStripTable outer_;
+    LockedBlock outer_;
 };
 
 // The offset of a strip as the table has it; nothing when the table has no such entry.

@@ -57,7 +57,7 @@ Error deliverLoadedLines(CodecState &state) {
 // How much to read when a line lacks so many bytes: these, and whole lines behind them, so that the next lines are not
 // divided. Code from memory is moved in spans that leave room for other things in the processor's first cache.
 DWORD usefulBytes(const CodecState &state, DWORD lacking) {
-    constexpr DWORD kMemorySpan = 10240;
+    constexpr DWORD kMemorySpan = 6144;
     const auto capacity = static_cast<DWORD>(state.codeCapacity);
     const auto bytes = static_cast<DWORD>(state.bytesPerLine);
     const DWORD span = state.stream < 0 ? std::min(capacity, std::max(bytes, kMemorySpan)) : capacity;

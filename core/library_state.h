@@ -14,7 +14,8 @@ struct MemoryStreamSlot {
 
 constexpr int kMemoryStreamSlots = 31;
 
-struct LockedStripTable {
+// A block that stays locked as long as a decoding run lasts.
+struct LockedBlock {
     HGLOBAL block = nullptr; // null between runs
     const BYTE *bytes = nullptr;
     DWORD size = 0;
@@ -37,7 +38,10 @@ struct LibraryState {
     DWORD screenDpiY = 0;
 
     // codec/strip_table.h: the strip table of the run in progress, which stays locked as long as the run lasts.
-    LockedStripTable stripTable;
+    LockedBlock stripTable;
+
+    // codec/decode_tiff.cpp: the memory TIFF that the run in progress reads, likewise.
+    LockedBlock memoryTiff;
 
     // codec/jpeg_module.cpp: loaded by the first JPEG image, forgotten by CloseTiffFile.
     HMODULE jpegModule = nullptr;

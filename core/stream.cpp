@@ -41,6 +41,12 @@ LONG readMemory(MemoryStreamSlot &slot, BYTE *buffer, LONG count) {
     if (end > kLastPosition) {
         return kFailed;
     }
+    if (const LockedBlock &locked = library.memoryTiff;
+        locked.block != nullptr && locked.block == slot.block && slot.position >= 0 && end <= Position{locked.size}) {
+        std::memcpy(buffer, locked.bytes + slot.position, static_cast<std::size_t>(count));
+        slot.position = static_cast<LONG>(end);
+        return count;
+    }
     const GlobalView<const BYTE> block(slot.block, 0);
     if (!block) {
         return kFailed;
