@@ -1,5 +1,6 @@
-// The strip offsets of a run. A run over a TIFF keeps its table locked from beginning to end, since an image may have a
-// strip a line; a table that a caller of the buffer operations brings is locked for every look.
+// What a run keeps at hand from beginning to end: blocks that it would else lock over and over (the strip table, since
+// an image may have a strip a line; an uncompressed TIFF in memory), and the strip offsets themselves. A table that a
+// caller of the buffer operations brings is locked for every look.
 #pragma once
 
 #include "core/library_state.h"
