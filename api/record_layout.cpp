@@ -67,4 +67,19 @@ VELLUM_FIELD(LoadLineContext, height, 16);
 VELLUM_FIELD(LoadLineContext, lineBytes, 20);
 VELLUM_FIELD(LoadLineContext, strideOrUsage, 24);
 
+static_assert(sizeof(SaveLineContext) == 36);
+VELLUM_FIELD(SaveLineContext, dc, 0);
+VELLUM_FIELD(SaveLineContext, bitmap, 4);
+VELLUM_FIELD(SaveLineContext, reserved, 8);
+VELLUM_FIELD(SaveLineContext, bitmapInfo, 12);
+VELLUM_FIELD(SaveLineContext, bits, 16);
+VELLUM_FIELD(SaveLineContext, height, 20);
+VELLUM_FIELD(SaveLineContext, rowBytes, 24);
+VELLUM_FIELD(SaveLineContext, strideOrUsage, 28);
+VELLUM_FIELD(SaveLineContext, invert, 32);
+
+static_assert(sizeof(CcittLineContext) == 8);
+VELLUM_FIELD(CcittLineContext, dc, 0);
+VELLUM_FIELD(CcittLineContext, bitmap, 4);
+
 } // namespace

@@ -5,7 +5,10 @@ set(VELLUM_GDI_SOURCES
     display/bitmap_lines.cpp
     display/clipboard.cpp
     display/load_bitmap.cpp
-    display/palette.cpp)
+    display/palette.cpp
+    write/fill_bitmap_lines.cpp
+    write/save_bitmap.cpp
+    write/save_dialog.cpp)
 
 set(VELLUM_SOURCES)
 foreach(folder IN LISTS VELLUM_FOLDERS)

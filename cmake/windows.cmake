@@ -2,6 +2,7 @@
 enable_language(RC)
 include(cmake/exports.cmake)
 
+set_source_files_properties(res/vellum.rc PROPERTIES OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/res/resource.h)
 add_library(vellum SHARED res/vellum.rc ${VELLUM_DEF})
 target_link_libraries(vellum PRIVATE vellum_objects INTERFACE vellum_header)
 set_target_properties(

@@ -59,6 +59,10 @@ Error fillDataBuffer(CodecState &state);
 Error flushCodeBuffer(CodecState &state);
 Error flushCodeBlock(CodecState &state);
 
+// Behind the closing flush of a run: the strip that a line function broke off gets its entries, and code that came
+// behind the last strip's end is counted to it.
+void finishStrips(CodecState &state);
+
 // Moves the code buffer to the start of the current strip.
 Error seekStripData(CodecState &state);
 

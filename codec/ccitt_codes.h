@@ -1,13 +1,12 @@
-// The code words of ITU-T T.4 and T.6, and the decoder lookups computed from them.
+// The decoders' lookups of the code words of ITU-T T.4 and T.6.
 //
-// The words stand in ccitt_codes.cpp as readable bit strings in the order of the published tables; every lookup is made
-// from them at compile time, which also proves that the codes are prefix-free and complete.
+// They are made at compile time from the bit strings in codec/ccitt_words.h, which also proves that the codes are
+// prefix-free and complete.
 #pragma once
 
 #include <windows.h>
 
 #include <array>
-#include <string_view>
 
 namespace vellum {
 
@@ -54,13 +53,5 @@ extern const std::array<RunLookup, 2> kRunLookups;
 extern const ModeLookup kModeLookup;
 // The same entries for words that the short index holds whole; all others have 0 bits.
 extern const std::array<ShortRunLookup, 2> kShortRunLookups;
-
-// The code words themselves, in the order of the published tables.
-constexpr int kTerminatingCodes = 64;  // runs 0 to 63
-constexpr int kColourMakeUpCodes = 27; // runs 64, 128, ... 1728
-constexpr int kSharedMakeUpCodes = 13; // runs 1792, 1856, ... 2560, the same for both colours
-extern const std::array<std::array<std::string_view, kTerminatingCodes>, 2> kTerminatingWords;
-extern const std::array<std::array<std::string_view, kColourMakeUpCodes>, 2> kMakeUpWords;
-extern const std::array<std::string_view, kSharedMakeUpCodes> kSharedMakeUpWords;
 
 } // namespace vellum

@@ -5,40 +5,17 @@
 #include "codec/byte_codecs.h"
 #include "codec/ccitt_decode.h"
 #include "codec/jpeg_module.h"
-#include "support/byte_order.h"
-#include "support/row_bytes.h"
+#include "codec/raw_run.h"
+#include "core/stream.h"
 
 namespace vellum {
 namespace {
 
-// A bilevel image's header as the raw front ends have it.
-BITMAPINFOHEADER bilevelHeader(DWORD width, DWORD height) {
-    BITMAPINFOHEADER header{};
-    header.biSize = sizeof header;
-    header.biWidth = static_cast<LONG>(width);
-    header.biHeight = static_cast<LONG>(height);
-    header.biPlanes = 1;
-    header.biBitCount = 1;
-    header.biClrUsed = 2;
-    header.biClrImportant = 2;
-    return header;
-}
-
 // Sets the state up and positions the stream; the readable size counts from there.
 Error prepareRaw(CodecState &state, const RawRequest &request) {
-    if (request.width > kWidestLine) {
-        return Error::NoMemory;
+    if (const Error error = setUpRawRun(state, request); error != Error::None) {
+        return error;
     }
-    state.image = bilevelHeader(request.width, request.height);
-    state.bytesPerLine = static_cast<LONG>(lineBytes(request.width, 1).fit().value_or(0));
-    state.rowsPerStrip = request.height;
-    state.stream = request.stream;
-    state.fillOrder = request.fillOrder == 2 ? 2 : 1;
-    state.byteOrder = request.byteOrder == kMotorolaOrder ? kMotorolaOrder : kIntelOrder;
-    state.compressionKey = request.compressionKey;
-    state.userValue = request.userValue;
-    state.lineFunction = request.lineFunction;
-
     const LONG size = sizeOfStream(request.stream);
     if (size < 0) {
         return Error::Io;

@@ -1,12 +1,10 @@
 // From an image's parameters to its lines: picks the codec by the compression key and runs it.
 #pragma once
 
+#include "codec/raw_run.h"
 #include "core/tiff_file.h"
 
 namespace vellum {
-
-// Lines wider than this are refused, so that positions on a line never wrap.
-constexpr DWORD kWidestLine = 0x7FFF0000;
 
 // Runs the codec that the state's compression key asks for. An image without lines succeeds at once.
 Error decodeImageData(CodecState &state);
@@ -23,16 +21,8 @@ struct DecodeRequest {
 Error decodeTiffImage(const DecodeRequest &request);
 
 // Decodes a headerless code stream. An offset of 0, or one outside the stream, means the stream's current position.
-struct RawRequest {
-    StreamHandle stream;
+struct RawRequest : RawImage {
     DWORD offset;
-    DWORD width;
-    DWORD height;
-    DWORD compressionKey;
-    DWORD fillOrder; // 1 or 2; anything else counts as 1
-    DWORD byteOrder; // anything but "MM" counts as "II"
-    DWORD userValue;
-    LineFunc lineFunction;
 };
 Error decodeRawImage(const RawRequest &request);
 // The same for block-framed MMR code; the key is not used.

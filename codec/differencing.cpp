@@ -1,6 +1,8 @@
 // Running sums and differences along a line, one routine for each sample layout.
 #include "codec/differencing.h"
 
+#include <emmintrin.h>
+
 namespace vellum {
 namespace {
 
@@ -57,7 +59,14 @@ void sumPixels(BYTE *line, std::size_t bytes) {
 
 // Backwards, so that every byte still finds the byte before it unchanged.
 void differBytes(BYTE *line, std::size_t bytes, std::size_t distance) {
-    for (std::size_t i = bytes; i > distance; --i) {
+    constexpr std::size_t kPiece = sizeof(__m128i);
+    std::size_t i = bytes;
+    for (; i >= distance + kPiece; i -= kPiece) {
+        auto *piece = reinterpret_cast<__m128i *>(line + i - kPiece);
+        const auto *before = reinterpret_cast<const __m128i *>(line + i - kPiece - distance);
+        _mm_storeu_si128(piece, _mm_sub_epi8(_mm_loadu_si128(piece), _mm_loadu_si128(before)));
+    }
+    for (; i > distance; --i) {
         line[i - 1] = static_cast<BYTE>(line[i - 1] - line[i - 1 - distance]);
     }
 }

@@ -2,7 +2,7 @@
 // are filled in as strips end.
 #include "codec/buffers.h"
 
-#include "core/stream.h"
+#include "core/typed_transfer.h"
 #include "support/byte_order.h"
 
 #include <algorithm>
@@ -10,13 +10,20 @@
 namespace vellum {
 namespace {
 
-constexpr DWORD kByteType = 1;
-
 // Writes entry [strip index] of one of the strip tables; an entry behind the table's end goes nowhere.
 void recordStrip(HGLOBAL table, DWORD strip, DWORD value) {
     const GlobalView<BYTE> entries(table, 1);
     if (entries && strip < entries.bytes() / sizeof value) {
         std::memcpy(entries.get() + strip * sizeof value, &value, sizeof value);
+    }
+}
+
+// Adds to an entry of the strip byte counts.
+void addToStripBytes(const CodecState &state, DWORD strip, DWORD bytes) {
+    const GlobalView<BYTE> entries(state.stripByteCounts, (std::size_t{strip} + 1) * sizeof bytes);
+    if (entries) {
+        bytes += load<DWORD>(entries.get() + strip * sizeof bytes);
+        std::memcpy(entries.get() + strip * sizeof bytes, &bytes, sizeof bytes);
     }
 }
 
@@ -37,10 +44,17 @@ DWORD usedBytes(const CodecState &state) {
     return static_cast<DWORD>(state.codeCapacity) - state.codeBytesLeft;
 }
 
+// The bytes are not used any more afterwards, so their bits are reversed in place.
 bool writeCode(CodecState &state, BYTE *bytes, DWORD count, DWORD fillOrder) {
-    // A write of no bytes would cut the file off here.
-    return count == 0 || LongWrite(state.stream, static_cast<LONG>(kByteType), count, bytes, kIntelOrder,
-                                   static_cast<LONG>(fillOrder)) != 0;
+    if (fillOrder == static_cast<DWORD>(kReversedBits)) {
+        reverseBits(bytes, count);
+    }
+    // A write of no bytes would cut the file off here; none is made.
+    const Error error = writeValues(state.stream, kByte, count, bytes, kIntelOrder, 0);
+    if (error != Error::None) {
+        setError(error);
+    }
+    return error == Error::None;
 }
 
 void resetCode(CodecState &state) {
@@ -60,7 +74,11 @@ Error initEncodeBuffers(CodecState &state) {
         return error;
     }
     state.codeBytesLeft = state.bufferBase = static_cast<DWORD>(state.codeCapacity);
-    state.streamLimit = static_cast<DWORD>(tellStream(state.stream));
+    const LONG position = tellStream(state.stream);
+    if (position == -1) {
+        return Error::Io;
+    }
+    state.streamLimit = static_cast<DWORD>(position);
     return fillDataBuffer(state);
 }
 
@@ -96,6 +114,18 @@ Error flushCodeBlock(CodecState &state) {
     }
     resetCode(state);
     return Error::None;
+}
+
+void finishStrips(CodecState &state) {
+    const DWORD openBytes = state.streamPosition + state.bufferBase - state.codeBytesLeft;
+    if (openBytes == 0) {
+        return;
+    }
+    if (state.stripIndex < state.stripCount) {
+        closeStrip(state);
+    } else if (state.stripIndex > 0) {
+        addToStripBytes(state, state.stripIndex - 1, openBytes);
+    }
 }
 
 } // namespace vellum

@@ -7,11 +7,17 @@ namespace vellum {
 namespace {
 
 constexpr char kModuleName[] = "DCTLIB32.DLL";
-constexpr char kDecoderEntry[] = "JPEGDecoder";
 constexpr char kCaption[] = "VELLUMSDK";
 // By design: the text names the module as users know it, without the 32.
 constexpr char kModuleMissing[] = "'DCTLIB.DLL' module is not found";
-constexpr char kDecoderMissing[] = "'JPEGDecoder' function is not found";
+
+// An entry of the module and what is said when it is not there.
+struct EntryName {
+    const char *name;
+    const char *missing;
+};
+constexpr EntryName kDecoder = {"JPEGDecoder", "'JPEGDecoder' function is not found"};
+constexpr EntryName kEncoder = {"JPEGEncoder", "'JPEGEncoder' function is not found"};
 
 // Module handles below this are error numbers of old systems.
 constexpr UINT_PTR kLeastHandle = 32;
@@ -30,23 +36,39 @@ HMODULE loadedModule() {
     return library.jpegModule;
 }
 
-} // namespace
-
-Error decodeByJpegModule(CodecState &state) {
+// The entry, or null after telling the user what is missing.
+CodecEntry findEntry(const EntryName &entry) {
     const HMODULE module = loadedModule();
     if (module == nullptr) {
         tell(kModuleMissing);
-        // By design: the user has been told; a program that walks an archive goes on.
-        return Error::None;
+        return nullptr;
     }
-    const FARPROC found = GetProcAddress(module, kDecoderEntry);
+    const FARPROC found = GetProcAddress(module, entry.name);
     if (found == nullptr) {
-        tell(kDecoderMissing);
-        return Error::None;
+        tell(entry.missing);
     }
     // Through void *, the conversion between function types that compilers accept in silence.
-    const auto decoder = reinterpret_cast<CodecEntry>(reinterpret_cast<void *>(found));
-    return fromLineFunction(decoder(&state));
+    return reinterpret_cast<CodecEntry>(reinterpret_cast<void *>(found));
+}
+
+Error run(const EntryName &name, CodecState &state) {
+    const CodecEntry entry = findEntry(name);
+    // By design: the user has been told; a program that walks an archive goes on.
+    return entry != nullptr ? fromLineFunction(entry(&state)) : Error::None;
+}
+
+} // namespace
+
+Error decodeByJpegModule(CodecState &state) {
+    return run(kDecoder, state);
+}
+
+Error encodeByJpegModule(CodecState &state) {
+    return run(kEncoder, state);
+}
+
+bool jpegModuleEncodes() {
+    return findEntry(kEncoder) != nullptr;
 }
 
 } // namespace vellum

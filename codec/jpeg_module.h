@@ -11,4 +11,10 @@ namespace vellum {
 // a message box is shown and the decode counts as success without lines.
 Error decodeByJpegModule(CodecState &state);
 
+// The same for encoding.
+Error encodeByJpegModule(CodecState &state);
+
+// Whether the module can encode; if not, the message box has been shown.
+bool jpegModuleEncodes();
+
 } // namespace vellum

@@ -8,13 +8,6 @@
 namespace vellum {
 namespace {
 
-enum Photometric : DWORD {
-    kWhiteIsZero = 0,
-    kBlackIsZero = 1,
-    kRgb = 2,
-    kPalette = 3,
-    kTransparencyMask = 4,
-};
 constexpr DWORD kUnknownPhotometric = 0xFFFFFFFF;
 
 constexpr RGBQUAD grey(BYTE level) {

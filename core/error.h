@@ -50,6 +50,12 @@ inline DWORD failed(Error error) {
     return 0;
 }
 
+// Records how a run ended, on success too (the loaders rely on finding 0), and gives the result that goes with it.
+inline DWORD recorded(Error error) {
+    setError(error);
+    return error == Error::None ? 1 : 0;
+}
+
 // The message of an error number; a number without one (21, or one of a line function's own) has a fixed text.
 const char *errorMessage(DWORD code);
 

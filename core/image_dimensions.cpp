@@ -18,7 +18,6 @@ constexpr DWORD kUnitInch = 2;
 constexpr DWORD kUnitCentimeter = 3;
 
 constexpr double kInchesPerMeter = 39.37;
-constexpr double kMetersPerInch = 0.025400050800101603;
 
 DWORD valueOr(TiffHandle tiff, DWORD index, Tag tag, DWORD otherwise) {
     return firstValue(tiff, index, tag).value_or(otherwise);
@@ -31,17 +30,6 @@ WORD shortOr(TiffHandle tiff, DWORD index, Tag tag, WORD otherwise) {
 
 constexpr bool isSupportedDepth(WORD bitsPerPixel) {
     return bitsPerPixel == 1 || bitsPerPixel == 4 || bitsPerPixel == 8 || bitsPerPixel == 24;
-}
-
-// The screen's dots per inch in one direction. A process keeps the resolution it started with, so the screen is asked
-// once: every decode of an image without resolution tags would have to ask anew.
-DWORD screenDotsPerInch(int capability) {
-    DWORD &known = capability == LOGPIXELSX ? library.screenDpiX : library.screenDpiY;
-    if (known == 0) {
-        const ScreenDc screen;
-        known = screen ? static_cast<DWORD>(GetDeviceCaps(screen.get(), capability)) : 0;
-    }
-    return known;
 }
 
 // Pixels per unit: the screen's when the tag says nothing.
@@ -88,6 +76,15 @@ void setPixelsPerMeter(BITMAPINFOHEADER &header, const Resolution &resolution) {
 }
 
 } // namespace
+
+DWORD screenDotsPerInch(int capability) {
+    DWORD &known = capability == LOGPIXELSX ? library.screenDpiX : library.screenDpiY;
+    if (known == 0) {
+        const ScreenDc screen;
+        known = screen ? static_cast<DWORD>(GetDeviceCaps(screen.get(), capability)) : 0;
+    }
+    return known;
+}
 
 Error describeImage(TiffHandle tiff, DWORD index, BITMAPINFOHEADER &header) {
     header.biSize = sizeof header;

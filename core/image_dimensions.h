@@ -6,6 +6,13 @@
 
 namespace vellum {
 
+constexpr double kMetersPerInch = 0.025400050800101603;
+
+// The screen's dots per inch in one direction (LOGPIXELSX, LOGPIXELSY); 0 without a screen. A process keeps the
+// resolution it started with, so the screen is asked once: every decode of an image without resolution tags would have
+// to ask anew.
+DWORD screenDotsPerInch(int capability);
+
 // Describes the image as a bottom-up bitmap of 1, 4, 8 or 24 bits per pixel: Error::TagMissing without ImageWidth or
 // ImageLength (an image that is not registered has neither), Error::BadColorFormat for other depths and for separate
 // planes. A width of 0 passes.

@@ -21,9 +21,9 @@ HGLOBAL registeredDirectory(TiffHandle tiff, DWORD index) {
 
 ImageDirectory::ImageDirectory(TiffHandle tiff, DWORD index) : block_(registeredDirectory(tiff, index)) {}
 
-std::optional<TagRecord> ImageDirectory::recordAt(DWORD position, WORD ordinal) const {
+std::optional<TagRecord> ImageDirectory::recordAt(DWORD position, DWORD ordinal) const {
     const std::size_t bytes = block_.bytes();
-    if (position > bytes || bytes - position < sizeof(RecordHead)) {
+    if (ordinal >= entryCount() || position > bytes || bytes - position < sizeof(RecordHead)) {
         return std::nullopt;
     }
     const BYTE *record = reinterpret_cast<const BYTE *>(block_.get()) + position;
@@ -31,34 +31,23 @@ std::optional<TagRecord> ImageDirectory::recordAt(DWORD position, WORD ordinal) 
     if (head.length < sizeof head || head.length > bytes - position) {
         return std::nullopt;
     }
-    return TagRecord{head, record + sizeof head, static_cast<DWORD>(head.length - sizeof head), position, ordinal};
+    return TagRecord{head, record + sizeof head, static_cast<DWORD>(head.length - sizeof head), position,
+                     static_cast<WORD>(ordinal)};
 }
 
 std::optional<TagRecord> ImageDirectory::find(DWORD tag) const {
-    DWORD position = sizeof(DirectoryHead);
-    for (WORD ordinal = 0; ordinal < entryCount(); ++ordinal) {
-        const auto record = recordAt(position, ordinal);
-        if (!record) {
-            break;
-        }
+    for (auto record = first(); record; record = next(*record)) {
         if (record->head.tag == tag) {
             return record;
         }
-        position += record->head.length;
     }
     setError(Error::TagNotDefined);
     return std::nullopt;
 }
 
 void ImageDirectory::listTags(DWORD *numbers) const {
-    DWORD position = sizeof(DirectoryHead);
-    for (WORD ordinal = 0; ordinal < entryCount(); ++ordinal) {
-        const auto record = recordAt(position, ordinal);
-        if (!record) {
-            break;
-        }
+    for (auto record = first(); record; record = next(*record)) {
         *numbers++ = record->head.tag;
-        position += record->head.length;
     }
 }
 

@@ -50,11 +50,20 @@ public:
 
     [[nodiscard]] WORD entryCount() const { return block_->entryCount; }
 
+    // The records one after the other; nothing behind the last one.
+    [[nodiscard]] std::optional<TagRecord> first() const { return recordAt(sizeof(DirectoryHead), 0); }
+    [[nodiscard]] std::optional<TagRecord> next(const TagRecord &record) const {
+        return recordAt(record.position + record.head.length, record.ordinal + 1);
+    }
+
+    // The record at a position that another one told.
+    [[nodiscard]] std::optional<TagRecord> at(DWORD position) const { return recordAt(position, 0); }
+
     // Writes the tag numbers of all records in order, one number each.
     void listTags(DWORD *numbers) const;
 
 private:
-    [[nodiscard]] std::optional<TagRecord> recordAt(DWORD position, WORD ordinal) const;
+    [[nodiscard]] std::optional<TagRecord> recordAt(DWORD position, DWORD ordinal) const;
 
     GlobalView<const DirectoryHead> block_;
 };

@@ -16,6 +16,7 @@ enum class Tag : WORD {
     Compression = 259,
     Photometric = 262,
     FillOrder = 266,
+    ImageDescription = 270,
     StripOffsets = 273,
     SamplesPerPixel = 277,
     RowsPerStrip = 278,
@@ -26,6 +27,9 @@ enum class Tag : WORD {
     T4Options = 292,
     T6Options = 293,
     ResolutionUnit = 296,
+    Software = 305,
+    DateTime = 306,
+    Artist = 315,
     Predictor = 317,
     ColorMap = 320,
     TileWidth = 322,
@@ -39,6 +43,15 @@ enum class Tag : WORD {
     JpegAcTables = 521,
     YCbCrSubSampling = 530,
     ReferenceBlackWhite = 532,
+};
+
+// Values of PhotometricInterpretation.
+enum Photometric : DWORD {
+    kWhiteIsZero = 0,
+    kBlackIsZero = 1,
+    kRgb = 2,
+    kPalette = 3,
+    kTransparencyMask = 4,
 };
 
 // Whether the image is registered and has the tag. Sets error 13 when it has not, as every lookup does.

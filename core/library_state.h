@@ -21,6 +21,26 @@ struct LockedBlock {
     DWORD size = 0;
 };
 
+// Characters of a text of the save dialog, and the bytes that it takes.
+constexpr DWORD kSaveTextLength = 100;
+constexpr DWORD kSaveTextBytes = kSaveTextLength + 1;
+
+// How the picture being saved is to be saved: what the caller or the user chose.
+struct SaveState {
+    LONG code = 0;         // VELLUM_SAVE_...
+    DWORD photometric = 0; // PhotometricInterpretation that was asked for
+    DWORD colours = 0;     // colours of the picture; 2 for a bilevel one
+    DWORD fillOrder = 1;
+    char title[kSaveTextBytes] = "";  // ImageDescription
+    char artist[kSaveTextBytes] = ""; // Artist
+};
+
+// The header and two colours of the bilevel bitmap that SaveBitmapInCcittFile encodes.
+struct CcittBitmapInfo {
+    BITMAPINFOHEADER header = {};
+    RGBQUAD colours[2] = {};
+};
+
 struct LibraryState {
     // core/error.cpp: written by every call that fails.
     Error lastError = Error::None;
@@ -46,8 +66,19 @@ struct LibraryState {
     // codec/jpeg_module.cpp: loaded by the first JPEG image, forgotten by CloseTiffFile.
     HMODULE jpegModule = nullptr;
 
+    // write/save_dib.cpp and write/save_bitmap.cpp: set by every save; the texts only by write/save_dialog.cpp, so that
+    // they stay from one save to the next.
+    SaveState save;
+
+    // write/save_bitmap.cpp: valid while SaveBitmapInCcittFile encodes, for DllFillCcittLine; else all zero.
+    CcittBitmapInfo ccittBitmap;
+
     // codec/decode_tiff.cpp: 1 while a decode that starts behind the first strip runs, and after any decode.
     DWORD partialDecode = 0;
+
+    // codec/ccitt_encode.cpp: every how many lines Group 3 two-dimensional code has a one-dimensional one; set by
+    // SetKfactor and kept until the next time.
+    LONG kFactor = 2;
 };
 
 extern constinit LibraryState library;

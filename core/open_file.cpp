@@ -23,6 +23,10 @@ bool opensForReading(const char *path) {
     return static_cast<bool>(Stream(openFileStream(path, kOpenRead)));
 }
 
+bool fileExists(const char *path) {
+    return path != nullptr && GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
+}
+
 // What the record of a TIFF starts with, apart from the path.
 struct Source {
     HGLOBAL memory;
@@ -100,9 +104,13 @@ void unloadJpegModule() {
 TiffHandle openTiffFile(const char *path, DWORD mode) {
     setError(Error::None);
     // A file that cannot be opened cannot be appended to either: it becomes a new one.
-    const DWORD usedMode = mode == kOpenModeAppend && !opensForReading(path) ? T_CREAT : mode;
+    const bool becomesNew = mode == kOpenModeAppend && !opensForReading(path);
+    const DWORD usedMode = becomesNew ? T_CREAT : mode;
+    // One that is there and cannot be opened (another program is using it) is not to be replaced: what is written to
+    // the handle fails.
+    const DWORD newFileFlags = becomesNew && fileExists(path) ? kOpenRead : kOpenCreate;
     return open(path, usedMode,
-                {nullptr, kWholeFile, kOpenCreate, usedMode == kOpenModeRead ? kOpenRead : kOpenAppend});
+                {nullptr, kWholeFile, newFileFlags, usedMode == kOpenModeRead ? kOpenRead : kOpenAppend});
 }
 
 TiffHandle openTiffInMemory(HGLOBAL memory, DWORD size, DWORD mode) {

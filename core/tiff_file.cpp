@@ -14,4 +14,11 @@ void storeBackMemoryBlock(TiffFileBlock &file, StreamHandle stream) {
     }
 }
 
+void storeBackMemoryTiff(TiffFileBlock &file, StreamHandle stream) {
+    if (memoryStreamBlock(stream) != nullptr) {
+        storeBackMemoryBlock(file, stream);
+        file.memSize = static_cast<DWORD>(sizeOfStream(stream));
+    }
+}
+
 } // namespace vellum

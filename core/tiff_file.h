@@ -50,4 +50,8 @@ StreamHandle openForReading(const TiffFileBlock &file);
 // Copies the block that a memory stream holds now back into the record (a write may have moved it).
 void storeBackMemoryBlock(TiffFileBlock &file, StreamHandle stream);
 
+// The same with its size, behind a run that may have grown it. A stream that lost its block (it could not grow) changes
+// nothing: the block that the record names is still the caller's.
+void storeBackMemoryTiff(TiffFileBlock &file, StreamHandle stream);
+
 } // namespace vellum

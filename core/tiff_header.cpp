@@ -20,8 +20,8 @@ Error writeTiffHeader(TiffHandle tiff, StreamHandle stream, DWORD firstDirectory
         return Error::NoMemory;
     }
     if ((file->openFlags & OF_CREATE) == 0) {
-        seekStream(stream, 0, FILE_END);
-        return Error::None;
+        // Not being at the end would mean writing over what is there.
+        return seekStream(stream, 0, FILE_END) == -1 ? Error::Io : Error::None;
     }
     WORD byteOrder = file->byteOrder;
     WORD magic = 42;

@@ -1,5 +1,6 @@
 // The line functions that put decoded lines into a packed DIB. TIFF lines come top first, DIB rows lie bottom first.
-#include "display/pixel_order.h"
+#include "support/pixel_order.h"
+#include "vellum32.h"
 
 #include <cstring>
 
@@ -14,13 +15,6 @@ void placeInDib(const BYTE *line, DWORD row, const LoadLineContext &context) {
 }
 
 } // namespace
-
-void exchangeRedAndBlue(BYTE *line, DWORD bytes) {
-    for (; bytes >= kBytesPerPixel; bytes -= kBytesPerPixel, line += kBytesPerPixel) {
-        std::swap(line[0], line[2]);
-    }
-}
-
 } // namespace vellum
 
 extern "C" {

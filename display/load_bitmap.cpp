@@ -2,7 +2,7 @@
 #include "display/loading.h"
 
 #include "display/palette.h"
-#include "display/pixel_order.h"
+#include "support/pixel_order.h"
 #include "support/row_bytes.h"
 #include "support/screen_dc.h"
 #include "support/wait_cursor.h"

@@ -2,6 +2,7 @@
 #include "display/palette.h"
 
 #include "display/loading.h"
+#include "support/dib_view.h"
 
 #include <algorithm>
 #include <memory>
@@ -27,13 +28,6 @@ PaletteRecord newRecord(DWORD entries) {
         record->palNumEntries = static_cast<WORD>(entries);
     }
     return record;
-}
-
-DWORD colourTableEntries(const BITMAPINFOHEADER &header) {
-    if (header.biClrUsed != 0) {
-        return header.biClrUsed;
-    }
-    return header.biBitCount == 1 || header.biBitCount == 4 || header.biBitCount == 8 ? 1u << header.biBitCount : 0;
 }
 
 void copyColours(LOGPALETTE &record, const RGBQUAD *colours) {

@@ -187,6 +187,28 @@ typedef struct LoadLineContext {
     DWORD strideOrUsage; /* DIB callbacks: bytes from row to row; bitmap callbacks: DIB_RGB_COLORS */
 } LoadLineContext;
 
+/*
+ * What the savers' fill functions (DllFill...) work on. A program that hands one of them to EncodeTiffImage itself
+ * fills the record and passes its address as the user value.
+ */
+typedef struct SaveLineContext {
+    HDC dc;                 /* bitmap callbacks: a screen device context */
+    HBITMAP bitmap;         /* bitmap callbacks: the bitmap to read */
+    DWORD reserved;         /* not used */
+    BITMAPINFO *bitmapInfo; /* bitmap callbacks: header and colour table that GetDIBits works with */
+    BYTE *bits;             /* DIB callbacks: first byte of the locked DIB's rows */
+    DWORD height;           /* DIB callbacks: rows of the DIB */
+    DWORD rowBytes;         /* DIB callbacks: bytes to copy for a line */
+    DWORD strideOrUsage;    /* DIB callbacks: bytes from row to row; bitmap callbacks: DIB_RGB_COLORS */
+    DWORD invert;           /* DllFillTiffLineDIBforGamma: non-zero complements every byte */
+} SaveLineContext;
+
+/* What DllFillCcittLine works on. */
+typedef struct CcittLineContext {
+    HDC dc;         /* a screen device context */
+    HBITMAP bitmap; /* the bitmap to read */
+} CcittLineContext;
+
 /* ---------------------------------------------------------------- open files and errors --------------------------- */
 
 /*
@@ -476,6 +498,204 @@ DWORD VELLUMAPI DllFlushTiffLine(BYTE *line, DWORD row, LoadLineContext *context
 DWORD VELLUMAPI DllFlushTiffLine24(BYTE *line, DWORD row, LoadLineContext *context);
 DWORD VELLUMAPI DllFlushTiffLineDIB(BYTE *line, DWORD row, LoadLineContext *context);
 DWORD VELLUMAPI DllFlushTiffLine24DIB(BYTE *line, DWORD row, LoadLineContext *context);
+
+/* ---------------------------------------------------------------- image definition -------------------------------- */
+
+/*
+ * A new image is written so: OpenTiffFile (T_CREAT, or T_APPEND to add to an existing file), DefineTiffImage,
+ * DefineGeneralTags and any number of DefineTiffImageInfo calls, EncodeTiffImage, DropTiffImage, CloseTiffFile. Nothing
+ * reaches the file before EncodeTiffImage.
+ */
+
+/*
+ * Reserves a place for a new image, with an empty directory. The first image defined on a handle has the index 0
+ * whatever the file holds already; its directory goes behind the last one of the file when it is written.
+ * Result: the image's index, or -1. Errors: 1 (also when all 1000 places are taken).
+ */
+LONG VELLUMAPI DefineTiffImage(TiffHandle tiff);
+
+/*
+ * Defines a tag of a registered image, in place of any that it had. No tag number or type is refused.
+ *   values  the values, in the machine's byte order
+ *   type    TIFF field type: 3 SHORT (2 bytes), 4 LONG and 9 SLONG (4), 5 RATIONAL (two LONGs), all others 1 byte
+ *   count   number of values
+ * Result: 1 or 0. Errors: 1, 3.
+ */
+LONG VELLUMAPI DefineTiffImageInfoBuffer(TiffHandle tiff, DWORD index, DWORD tag, const void *values, DWORD type,
+                                         DWORD count);
+
+/* Defines a tag of one BYTE, SHORT or LONG value. Result and errors as for DefineTiffImageInfoBuffer. */
+LONG VELLUMAPI DefineTiffImageInfo(TiffHandle tiff, DWORD index, DWORD tag, DWORD type, DWORD value);
+
+/*
+ * Defines the tags that every image needs: ImageWidth, ImageLength, BitsPerSample, RowsPerStrip and, for 24 bits per
+ * pixel, SamplesPerPixel and PlanarConfiguration. Compression, when it is to be other than 1, is defined before:
+ * with 2, 3 or 4 the image becomes one strip, with 6 (JPEG) one tile; otherwise strips have about 8 KB.
+ *   bitmap  width, height, planes and bits per pixel count
+ * Result: 0, or 1 (a tag could not be defined), 10 (no width), 16 (planes times bits is not 1, 4, 8, 16 or 24). The
+ * result is not stored as the library's error. Width and height above 65535 do not fit these tags.
+ */
+DWORD VELLUMAPI DefineGeneralTags(TiffHandle tiff, DWORD index, BITMAP bitmap);
+
+/* ---------------------------------------------------------------- encoding ---------------------------------------- */
+
+/*
+ * Writes a defined image: its data, then its directory, which is linked to the end of the file's chain last of all, so
+ * that a failure leaves the images that were there before.
+ *   userValue     handed to lineFunction
+ *   lineFunction  supplies the lines, top line first: the image's samples as they are to be stored (bilevel lines of
+ *                 the CCITT encoders: 1 for black runs). It must fill (width * bits per pixel + 7) / 8 bytes and may
+ *                 write 256 more. 0 goes on; 3 ends the image early with success: it then has the lines so far; any
+ *                 other number stops at once and becomes the error.
+ * The codec follows Compression (default 1) with T4Options (3) or Predictor (5, default 1), the bit order FillOrder,
+ * the strips RowsPerStrip (absent: a strip for every line; 0: one strip). StripOffsets and StripByteCounts are defined
+ * by the call. Only one image of a handle can be encoded at a time: while another is registered (image 1 for image 0,
+ * image 0 for any other) the call fails with 3. So does a file that has 1000 images already.
+ * Compression 6 loads the companion module DCTLIB32.DLL; without it a message box is shown, nothing is written and
+ * success reported.
+ * Result: 1 or 0; the error number is set either way, to 0 on success.
+ * Errors: 1, 3, 6, 10, 11, 12 (CCITT lines of more than 4160 bytes), 15, 16, or what lineFunction returned.
+ */
+DWORD VELLUMAPI EncodeTiffImage(TiffHandle tiff, DWORD index, DWORD userValue, LineFunc lineFunction);
+
+/*
+ * Writes the directory of a defined image whose data are in the file already, at the file's end.
+ * Result: 0, or the error number: 1, 6.
+ */
+DWORD VELLUMAPI WriteTiffImageDirectory(TiffHandle tiff, DWORD index);
+
+/*
+ * Encodes a bilevel image as a headerless code stream at a stream's current position, most significant bit first.
+ *   compressionKey  VELLUM_KEY_...
+ * Result and errors as for EncodeTiffImage. The stream stays open.
+ */
+DWORD VELLUMAPI EncodeCcittImage(StreamHandle stream, DWORD width, DWORD height, DWORD compressionKey, DWORD userValue,
+                                 LineFunc lineFunction);
+
+/*
+ * As EncodeCcittImage, in either bit order.
+ *   fillOrder  1 or 2; anything else counts as 1
+ *   byteOrder  VELLUM_BYTE_ORDER_II or _MM; anything else counts as II
+ */
+DWORD VELLUMAPI EncodeCcittImageTo(StreamHandle stream, DWORD width, DWORD height, DWORD fillOrder, DWORD byteOrder,
+                                   DWORD compressionKey, DWORD userValue, LineFunc lineFunction);
+
+/* Encodes a bilevel image as a stream of MMR blocks, as DecodeMMRImage reads them. The fourth argument is reserved. */
+DWORD VELLUMAPI EncodeMMRImage(StreamHandle stream, DWORD width, DWORD height, DWORD reserved, DWORD userValue,
+                               LineFunc lineFunction);
+
+/*
+ * Sets the K factor of Group 3 two-dimensional encoding: every K-th line is coded one-dimensionally. It is 2 until it
+ * is set. Result: 1, or 0 for a K below 2, which changes nothing.
+ */
+DWORD VELLUMAPI SetKfactor(LONG k);
+
+/* ---------------------------------------------------------------- saving ------------------------------------------ */
+
+/* Compression codes of the save functions; also the identifiers of the save dialog's buttons. */
+#define VELLUM_SAVE_UNCOMPRESSED 201     /* Compression 1 */
+#define VELLUM_SAVE_PACKBITS 202         /* 32773 */
+#define VELLUM_SAVE_LZW 203              /* 5 */
+#define VELLUM_SAVE_LZW_DIFFERENCING 204 /* 5 with Predictor 2 */
+#define VELLUM_SAVE_MODIFIED_HUFFMAN 205 /* 2; this one and the next three take 1 bit per pixel only */
+#define VELLUM_SAVE_GROUP3_1D 206        /* 3 */
+#define VELLUM_SAVE_GROUP3_2D 207        /* 3 with T4Options 1 */
+#define VELLUM_SAVE_GROUP4 208           /* 4 */
+#define VELLUM_SAVE_JPEG 209             /* 6, by the companion module: 24 bits, or 8 bits of grey */
+
+/* Modes of SaveBitmapInCcittFile. */
+#define VELLUM_CCITT_GROUP3_1D 5        /* VELLUM_KEY_GROUP3_1D */
+#define VELLUM_CCITT_MODIFIED_HUFFMAN 6 /* VELLUM_KEY_MODIFIED_HUFFMAN */
+#define VELLUM_CCITT_GROUP3_2D 7        /* VELLUM_KEY_GROUP3_2D */
+#define VELLUM_CCITT_GROUP4 8           /* VELLUM_KEY_GROUP4 */
+#define VELLUM_CCITT_UNCOMPRESSED 9     /* VELLUM_KEY_NONE */
+
+/*
+ * Saves a packed DIB as a new image of a TIFF file: a file that is missing is made, to one that exists the image is
+ * added, in the file's byte order. The DIB stays the caller's.
+ *   fileName         at most 149 characters
+ *   dib              1, 4, 8 or 24 bits per pixel, uncompressed, bottom-up; the header is followed by the colour table,
+ *                    that by the rows
+ *   compressionCode  VELLUM_SAVE_...
+ *   showDialog       non-zero asks the user: the code is the user's then, and so are photometric interpretation, fill
+ *                    order, title (ImageDescription) and artist
+ *   fillOrder        1, or 2 to reverse the bits of every code byte; the dialog begins with it
+ * Without the dialog bilevel images are white is zero or black is zero as their first colour says, 4 and 8 bits are
+ * palette images, 24 bits RGB. Title and artist are those of the last save that asked, so that a program can ask once
+ * and save the other pages alike. The resolution is the DIB's, or where it has none the screen's.
+ * Result: 1 or 0; also 0, with error 0, when the user cancels.
+ * Errors: 1 (also: a handle that cannot be locked), 2 (the file cannot be opened as a TIFF), 11 (no such code), 16 (a
+ * DIB that cannot be saved, or not with this code; nothing is written), and those of EncodeTiffImage. JPEG without the
+ * companion module shows a message box and counts as success.
+ */
+DWORD VELLUMAPI SaveDIBInTiffFileExt(const char *fileName, HGLOBAL dib, LONG compressionCode, LONG showDialog,
+                                     LONG fillOrder);
+
+/* As SaveDIBInTiffFileExt with fill order 1. The two do the same. */
+DWORD VELLUMAPI SaveDIBInTiffFile(const char *fileName, HGLOBAL dib, LONG compressionCode, LONG showDialog);
+DWORD VELLUMAPI SaveDIBInTiffFormat(const char *fileName, HGLOBAL dib, LONG compressionCode, LONG showDialog);
+
+/*
+ * As SaveDIBInTiffFileExt, for fax receivers: a bilevel image is always stored as white is zero, its pixels
+ * complemented if its first colour is black. Other images are saved as SaveDIBInTiffFileExt does it. Writes debug
+ * traces.
+ */
+DWORD VELLUMAPI SaveDIBInGammaTiffFile(const char *fileName, HGLOBAL dib, LONG compressionCode, LONG showDialog,
+                                       LONG fillOrder);
+
+/*
+ * As SaveDIBInTiffFileExt, of a bitmap, which stays the caller's and must not be selected into a device context.
+ * Bitmaps of other depths than 1, 4, 8 and 24 bits per pixel (the screen's 32, say) are saved with 24. Without the
+ * dialog 1, 4 and 8 bits become palette images, or bilevel ones with the CCITT codes. The resolution is the screen's.
+ * Result: 1 or 0. A code that is none gives 0 and sets no error; any other failure shows a message box.
+ */
+DWORD VELLUMAPI SaveBitmapInTiffFileExt(const char *fileName, HBITMAP bitmap, LONG compressionCode, LONG showDialog,
+                                        LONG fillOrder);
+
+/* As SaveBitmapInTiffFileExt with fill order 1. The two do the same. */
+DWORD VELLUMAPI SaveBitmapInTiffFile(const char *fileName, HBITMAP bitmap, LONG compressionCode, LONG showDialog);
+DWORD VELLUMAPI SaveBitmapInTiffFormat(const char *fileName, HBITMAP bitmap, LONG compressionCode, LONG showDialog);
+
+/*
+ * As SaveBitmapInTiffFileExt, of the bitmap on the clipboard, always with fill order 2. Without a bitmap on the
+ * clipboard the result is 0 and nothing is shown.
+ */
+DWORD VELLUMAPI SaveTiffFileFromClipboard(const char *fileName, LONG compressionCode, LONG showDialog);
+
+/*
+ * Makes a file that holds a bitmap as a headerless code stream, least significant bit first. The pixels are coded as
+ * GetDIBits gives them with 1 bit: 0 for black, which the code calls white.
+ *   mode  VELLUM_CCITT_...; any other gives 0 at once
+ * Result: 1, or 0 after a message box. Errors: 6 and those of EncodeCcittImageTo.
+ */
+DWORD VELLUMAPI SaveBitmapInCcittFile(const char *fileName, HBITMAP bitmap, LONG mode);
+
+/*
+ * Defines XResolution and YResolution of a registered image; ResolutionUnit is left to the caller.
+ *   dpi  horizontal in the high word, vertical in the low word: the other way round than GetTiffImageDPI has it
+ * Result: 0, or the error number 10.
+ */
+DWORD VELLUMAPI SetTiffImageDPI(TiffHandle tiff, DWORD index, DWORD dpi);
+
+/*
+ * The dialog procedure of the save dialog, template "SAVETIFF" in the library's resources. WM_INITDIALOG's lParam
+ * points to a BITMAP that tells planes and bits per pixel. The dialog ends with 1 for OK and 0 for Cancel.
+ */
+INT_PTR VELLUMAPI DllTiffSaveDlg(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+/*
+ * The savers' fill functions, for EncodeTiffImage: line by line out of a packed DIB (...LineDIB; ...LineDIB24Bit with
+ * red and blue exchanged; ...LineDIBforGamma complementing when asked to) or out of a device-dependent bitmap
+ * (...TiffLine; ...MonoTiffLine complementing; ...LineBitmap24Bit with red and blue exchanged; DllFillCcittLine only
+ * during SaveBitmapInCcittFile). A row outside the picture leaves the line as it is. Result: 0.
+ */
+DWORD VELLUMAPI DllFillTiffLine(BYTE *line, DWORD row, SaveLineContext *context);
+DWORD VELLUMAPI DllFillMonoTiffLine(BYTE *line, DWORD row, SaveLineContext *context);
+DWORD VELLUMAPI DllFillTiffLineDIB(BYTE *line, DWORD row, SaveLineContext *context);
+DWORD VELLUMAPI DllFillTiffLineDIBforGamma(BYTE *line, DWORD row, SaveLineContext *context);
+DWORD VELLUMAPI DllFillTiffLineDIB24Bit(BYTE *line, DWORD row, SaveLineContext *context);
+DWORD VELLUMAPI DllFillTiffLineBitmap24Bit(BYTE *line, DWORD row, SaveLineContext *context);
+DWORD VELLUMAPI DllFillCcittLine(BYTE *line, DWORD row, CcittLineContext *context);
 
 #ifdef __cplusplus
 }

@@ -1,5 +1,6 @@
 // The library's code words beside a second list of them that was typed independently.
 #include "codec/ccitt_codes.h"
+#include "codec/ccitt_words.h"
 
 #include "support/ccitt_writer.h"
 

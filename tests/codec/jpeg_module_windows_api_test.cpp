@@ -168,4 +168,60 @@ TEST(CompanionDll, WithoutItsEntryTheOtherMessageSaysSo) {
     EXPECT_EQ(reader.text, "'JPEGDecoder' function is not found");
 }
 
+// The tags of an image that is to be one JPEG tile.
+TiffHandle newJpegTiff(const char *path, LONG width, LONG height) {
+    const TiffHandle tiff = OpenTiffFile(path, T_CREAT);
+    DefineTiffImage(tiff);
+    DefineTiffImageInfo(tiff, 0, 259, 3, 6);
+    BITMAP bitmap{};
+    bitmap.bmWidth = width;
+    bitmap.bmHeight = height;
+    bitmap.bmPlanes = 1;
+    bitmap.bmBitsPixel = 24;
+    EXPECT_EQ(DefineGeneralTags(tiff, 0, bitmap), 0U);
+    return tiff;
+}
+
+DWORD VELLUMAPI countingLine(BYTE *line, DWORD lineIndex, DWORD /*userValue*/) {
+    for (DWORD i = 0; i < 12; ++i) {
+        line[i] = static_cast<BYTE>(lineIndex * 12 + i);
+    }
+    return 0;
+}
+
+TEST(CompanionDll, EncodesWhatItDecodes) {
+    const ModuleFolder folder("companion");
+    const TempFile file;
+    const TiffHandle tiff = newJpegTiff(file.path(), 4, 3);
+    EXPECT_EQ(EncodeTiffImage(tiff, 0, 0, countingLine), 1U) << TiffError();
+    EXPECT_EQ(TiffError(), DWORD{VELLUM_OK});
+    ASSERT_NE(noted(), nullptr);
+    EXPECT_EQ(noted()->calls, 1U);
+    EXPECT_EQ(CloseTiffFile(tiff), 1U);
+    EXPECT_EQ(noted(), nullptr) << "still loaded";
+    const OpenedTiff written{std::string(file.path())};
+    ASSERT_TRUE(registerImage(written.get(), 0));
+    LineLog log;
+    log.lineBytes = 12;
+    EXPECT_EQ(decodeInto(log, written.get(), 0), kDecoded);
+    Bytes expected(36);
+    for (BYTE i = 0; i < 36; ++i) {
+        expected[i] = i;
+    }
+    EXPECT_EQ(log.data, expected);
+}
+
+TEST(CompanionDll, WithoutItsEncoderTheMessageSaysSoAndNoFileAppears) {
+    const ModuleFolder folder("companion_without_decoder");
+    MessageBoxReader reader;
+    const TempFile file;
+    const TiffHandle tiff = newJpegTiff(file.path(), 4, 3);
+    EXPECT_EQ(EncodeTiffImage(tiff, 0, 0, countingLine), 1U);
+    EXPECT_EQ(TiffError(), DWORD{VELLUM_OK});
+    CloseTiffFile(tiff);
+    EXPECT_EQ(reader.count, 1);
+    EXPECT_EQ(reader.text, "'JPEGEncoder' function is not found");
+    EXPECT_FALSE(readFile(file.path()));
+}
+
 } // namespace

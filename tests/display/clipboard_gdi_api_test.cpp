@@ -1,7 +1,7 @@
 // LoadTiffFileIntoClipboard: what lies on the clipboard afterwards, and its results.
 #include "display/bitmap_pixels.h"
-#include "display/gdi_calls.h"
 #include "support/faults.h"
+#include "support/gdi_calls.h"
 #include "support/jpeg_tiff.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Loading into a bitmap for the screen: its pixels, which errors leave one, and that nothing of GDI is left behind.
 #include "display/bitmap_pixels.h"
-#include "display/gdi_calls.h"
 #include "support/faults.h"
+#include "support/gdi_calls.h"
 #include "support/jpeg_tiff.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // GetTiffImagePalette: the colours of an image in a file as a logical palette.
-#include "display/gdi_calls.h"
 #include "display/pictures.h"
+#include "support/gdi_calls.h"
 
 #include <gtest/gtest.h>
 

@@ -45,6 +45,9 @@ struct State {
     FARPROC moduleFunction = nullptr;
     int moduleLoads = 0; // loads less frees
 
+    // What the user does in the save dialog before pressing OK; null: presses Cancel.
+    void (*inSaveDialog)() = nullptr;
+
     // Resources in use.
     long blocks = 0;      // global blocks allocated and not freed
     SIZE_T bytes = 0;     // in them

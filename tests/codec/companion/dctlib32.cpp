@@ -31,4 +31,28 @@ DWORD VELLUMAPI JPEGDecoder(CodecState *state) {
     }
 }
 
+// Encodes lines as they are, and leaves three coding tables of three numbers each.
+DWORD VELLUMAPI JPEGEncoder(CodecState *state) {
+    ++noted.calls;
+    std::memcpy(noted.record, state, sizeof noted.record);
+    for (DWORD table = 0; table < 3; ++table) {
+        state->workBlocks[table] = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, 3 * sizeof(DWORD));
+    }
+    DWORD error = InitEncodeBuffers(state);
+    while (error == 0) {
+        while (state->lineBytesLeft > 0) {
+            if (state->codeBytesLeft == 0) {
+                if (const DWORD failed = FlushCodeBuffer(state); failed != 0) {
+                    return failed;
+                }
+            }
+            *state->codePointer++ = *state->linePointer++;
+            --state->codeBytesLeft;
+            --state->lineBytesLeft;
+        }
+        error = FillDataBuffer(state);
+    }
+    return error == VELLUM_INDEX_OUT_OF_RANGE ? DWORD{VELLUM_OK} : error;
+}
+
 } // extern "C"

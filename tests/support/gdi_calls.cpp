@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #ifndef VELLUM_NATIVE
-#include "gdi_calls.h"
+#include "support/gdi_calls.h"
 
 namespace vellum::test {
 namespace {
@@ -20,9 +20,11 @@ struct {
     ImportPatch selectPalette;
     ImportPatch realizePalette;
     ImportPatch setDiBits;
+    ImportPatch getDiBits;
     ImportPatch openClipboard;
     ImportPatch closeClipboard;
     ImportPatch emptyClipboard;
+    ImportPatch getClipboardData;
     ImportPatch setClipboardData;
 } patches;
 
@@ -91,6 +93,14 @@ int WINAPI countSetDiBits(HDC dc, HBITMAP bitmap, UINT start, UINT lines, const 
     return patches.setDiBits.original<decltype(SetDIBits)>()(dc, bitmap, start, lines, bits, info, usage);
 }
 
+int WINAPI countGetDiBits(HDC dc, HBITMAP bitmap, UINT start, UINT lines, void *bits, BITMAPINFO *info, UINT usage) {
+    ++counts.linesRead;
+    counts.lastUsage = usage;
+    return failing == GdiCalls::Fail::GetDiBits
+               ? 0
+               : patches.getDiBits.original<decltype(GetDIBits)>()(dc, bitmap, start, lines, bits, info, usage);
+}
+
 BOOL WINAPI countOpenClipboard(HWND window) {
     if (failing == GdiCalls::Fail::OpenClipboard) {
         return FALSE;
@@ -107,6 +117,12 @@ BOOL WINAPI countCloseClipboard() {
 BOOL WINAPI countEmptyClipboard() {
     ++counts.clipboardEmptied;
     return patches.emptyClipboard.original<decltype(EmptyClipboard)>()();
+}
+
+HANDLE WINAPI countGetClipboardData(UINT format) {
+    return failing == GdiCalls::Fail::GetClipboardData
+               ? nullptr
+               : patches.getClipboardData.original<decltype(GetClipboardData)>()(format);
 }
 
 HANDLE WINAPI countSetClipboardData(UINT format, HANDLE data) {
@@ -129,19 +145,29 @@ GdiCalls::GdiCalls(Fail fail) {
     patches.selectPalette.replace("SelectPalette", &countSelectPalette);
     patches.realizePalette.replace("RealizePalette", &countRealizePalette);
     patches.setDiBits.replace("SetDIBits", &countSetDiBits);
+    patches.getDiBits.replace("GetDIBits", &countGetDiBits);
     patches.openClipboard.replace("OpenClipboard", &countOpenClipboard);
     patches.closeClipboard.replace("CloseClipboard", &countCloseClipboard);
     patches.emptyClipboard.replace("EmptyClipboard", &countEmptyClipboard);
+    patches.getClipboardData.replace("GetClipboardData", &countGetClipboardData);
     patches.setClipboardData.replace("SetClipboardData", &countSetClipboardData);
 }
 
 GdiCalls::~GdiCalls() {
-    ImportPatch *all[] = {&patches.createBitmap,    &patches.createCompatibleBitmap,
-                          &patches.createPalette,   &patches.deleteObject,
-                          &patches.getDc,           &patches.releaseDc,
-                          &patches.selectPalette,   &patches.realizePalette,
-                          &patches.setDiBits,       &patches.openClipboard,
-                          &patches.closeClipboard,  &patches.emptyClipboard,
+    ImportPatch *all[] = {&patches.createBitmap,
+                          &patches.createCompatibleBitmap,
+                          &patches.createPalette,
+                          &patches.deleteObject,
+                          &patches.getDc,
+                          &patches.releaseDc,
+                          &patches.selectPalette,
+                          &patches.realizePalette,
+                          &patches.setDiBits,
+                          &patches.getDiBits,
+                          &patches.getClipboardData,
+                          &patches.openClipboard,
+                          &patches.closeClipboard,
+                          &patches.emptyClipboard,
                           &patches.setClipboardData};
     for (ImportPatch *patch : all) {
         patch->restore();

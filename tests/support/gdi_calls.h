@@ -8,7 +8,7 @@ namespace vellum::test {
 // While it lives, counts; one object at a time.
 class GdiCalls {
 public:
-    enum class Fail { Nothing, GetDc, Bitmap, Palette, OpenClipboard, SetClipboardData };
+    enum class Fail { Nothing, GetDc, Bitmap, Palette, GetDiBits, OpenClipboard, GetClipboardData, SetClipboardData };
 
     explicit GdiCalls(Fail fail = Fail::Nothing);
     GdiCalls(const GdiCalls &) = delete;
@@ -22,7 +22,8 @@ public:
         int paletteRealizations = 0;
         int clipboardOpen = 0; // opened less closed
         int clipboardEmptied = 0;
-        int lines = 0; // SetDIBits
+        int lines = 0;     // SetDIBits
+        int linesRead = 0; // GetDIBits
         UINT lastUsage = 0xFFFF;
         HPALETTE selected = nullptr; // the last one selected
         HPALETTE original = nullptr; // what the first selection gave back

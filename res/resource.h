@@ -1,0 +1,26 @@
+/* The names and numbers that the resource script and the code share. */
+#ifndef VELLUM_RESOURCE_H
+#define VELLUM_RESOURCE_H
+
+/* Labels and frames, which the code does not touch. */
+#define IDC_LABEL -1
+
+/* The save dialog, SAVETIFF. Its compression buttons have the codes of the save functions, VELLUM_SAVE_... */
+#define IDC_SAVE_UNCOMPRESSED 201
+#define IDC_SAVE_PACKBITS 202
+#define IDC_SAVE_LZW 203
+#define IDC_SAVE_LZW_DIFFERENCING 204
+#define IDC_SAVE_MODIFIED_HUFFMAN 205
+#define IDC_SAVE_GROUP3_1D 206
+#define IDC_SAVE_GROUP3_2D 207
+#define IDC_SAVE_GROUP4 208
+#define IDC_SAVE_JPEG 209
+#define IDC_SAVE_TITLE 250
+#define IDC_SAVE_ARTIST 251
+#define IDC_SAVE_MONOCHROME 260
+#define IDC_SAVE_GREYSCALE 261
+#define IDC_SAVE_PALETTE 262
+#define IDC_SAVE_NORMAL_BITS 1014
+#define IDC_SAVE_REVERSED_BITS 1015
+
+#endif
