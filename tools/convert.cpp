@@ -1,143 +1,119 @@
-// vellum convert: pages of a TIFF as Windows bitmap files.
+// vellum convert: the command line, and the choice of what is read and what is written.
+#include "tools/convert.h"
+
 #include "tools/arguments.h"
-#include "tools/command.h"
+#include "tools/bitmap_source.h"
 #include "tools/console.h"
-#include "tools/output_file.h"
-#include "tools/tiff_document.h"
+#include "tools/tiff_source.h"
 
 #include <array>
-#include <optional>
+#include <charconv>
 
 namespace tool {
 
 namespace {
 
-constexpr std::string_view kHelp = R"(vellum convert - turn pages of a TIFF into Windows bitmaps
+constexpr std::string_view kHelp = R"(vellum convert - turn pages into Windows bitmaps or TIFF files
 
 Usage: vellum convert [options] IN OUT.bmp
+       vellum convert [options] IN OUT.tif
 
-Without options the first page is converted. The bitmap appears under its name
-only when it is whole; an existing file is then replaced. A page whose data end
-early is written as far as it goes, the rest in the first colour (black for a
-page of which 0 means black), with a warning and exit status 1.
+IN is a TIFF or a Windows bitmap, OUT.tif (or .tiff) may have several pages.
+Without options the first page is converted. A TIFF gets the page's samples,
+colours, resolution and texts as they are in IN.
+
+The output appears under its name only when it is whole; an existing file is
+then replaced. A page whose data end early is written as far as it goes, the
+rest in the first colour (black for a page of which 0 means black), with a
+warning and exit status 1. A page that cannot be converted is left out.
 
 Options:
-      --page N  convert page N; pages are counted from 1
-      --all     convert all pages, to OUT-001.bmp, OUT-002.bmp and so on
-  -h, --help    show this help
+      --page N         convert page N; pages are counted from 1
+      --all            convert all pages: into one OUT.tif, or to OUT-001.bmp,
+                       OUT-002.bmp and so on
+  -h, --help           show this help
+
+Options for OUT.tif:
+      --compression C  none, packbits, lzw, lzw-diff, jpeg; for pages of 1 bit
+                       per pixel also mh, g3, g3-2d, g4. Default: g4 for 1 bit,
+                       lzw-diff for samples of 8 bits, otherwise lzw
+      --fill-order N   bits of a code byte from the most significant one on (1,
+                       the default) or from the least significant one on (2)
+      --k N            with g3-2d: every N-th line is coded one-dimensionally;
+                       2 (the default) or more
+      --title T        the ImageDescription of the pages
+      --artist A       the Artist of the pages; an empty text means none
+      --append         add the pages to OUT.tif, which is changed in place. When
+                       that fails, it gets its old length back
 
 Exit status: 0 all went well, 1 a page could not be converted or not as a whole,
 2 wrong usage.
 )";
 
-constexpr std::array kOptions = {Option{"--page", Option::Kind::Value}, Option{"--all"}};
+constexpr std::array kOptions = {
+    Option{"--page", Option::Kind::Value},        Option{"--all"},
+    Option{"--compression", Option::Kind::Value}, Option{"--fill-order", Option::Kind::Value},
+    Option{"--k", Option::Kind::Value},           Option{"--title", Option::Kind::Value},
+    Option{"--artist", Option::Kind::Value},      Option{"--append"}};
+constexpr std::size_t kFirstTiffOption = 2;
 
-constexpr WORD kBitmapType = 0x4D42; // "BM"
+LONG parseK(const std::string &text) {
+    LONG number = 0;
+    const char *const end = text.data() + text.size();
+    const auto [parsedTo, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || parsedTo != end || number < 2) {
+        throw UsageError("option '--k' wants a number from 2 on, not '" + text + "'");
+    }
+    return number;
+}
 
-// Looks into a packed DIB and frees it at the end.
-class LoadedDib {
-public:
-    explicit LoadedDib(HGLOBAL block) : block_(block) {
-        if (block_ != nullptr) {
-            header_ = static_cast<const BITMAPINFOHEADER *>(GlobalLock(block_));
+// The compression and what goes with it. K is the library's own, for all that is encoded from then on.
+TiffCoding parseCoding(const Arguments &arguments) {
+    TiffCoding coding;
+    if (const auto name = arguments.value("--compression")) {
+        coding.compression = findCompression(*name);
+        if (coding.compression == nullptr) {
+            throw UsageError("option '--compression' wants one of " + compressionNames() + ", not '" + *name + "'");
         }
     }
-    LoadedDib(const LoadedDib &) = delete;
-    LoadedDib &operator=(const LoadedDib &) = delete;
-    ~LoadedDib() {
-        if (header_ != nullptr) {
-            GlobalUnlock(block_);
+    if (const auto order = arguments.value("--fill-order")) {
+        if (*order != "1" && *order != "2") {
+            throw UsageError("option '--fill-order' wants 1 or 2, not '" + *order + "'");
         }
-        if (block_ != nullptr) {
-            GlobalFree(block_);
+        if (coding.compression != nullptr && coding.compression->isJpeg()) {
+            throw UsageError("'--fill-order' does not go with '--compression jpeg'");
+        }
+        coding.fillOrder = *order == "1" ? 1 : 2;
+    }
+    if (const auto k = arguments.value("--k")) {
+        const LONG number = parseK(*k);
+        if (coding.compression == nullptr || !coding.compression->isTwoDimensionalGroup3()) {
+            throw UsageError("'--k' goes with '--compression g3-2d' only");
+        }
+        SetKfactor(number);
+    }
+    return coding;
+}
+
+bool isTiffName(const FileName &name) {
+    return name.hasExtension(".tif") || name.hasExtension(".tiff");
+}
+
+void checkOutput(const Arguments &arguments, const FileName &input, const FileName &output) {
+    if (!isTiffName(output) && !output.hasExtension(".bmp")) {
+        throw UsageError("the output's name must end in .bmp, .tif or .tiff, not '" + output.shown() + "'");
+    }
+    for (std::size_t i = kFirstTiffOption; i < kOptions.size() && !isTiffName(output); ++i) {
+        if (arguments.has(kOptions[i].name)) {
+            throw UsageError("'" + std::string(kOptions[i].name) + "' is for TIFF output only");
         }
     }
-
-    explicit operator bool() const { return header_ != nullptr; }
-    const BITMAPINFOHEADER &header() const { return *header_; }
-    DWORD bitsOffset() const { return header_->biSize + header_->biClrUsed * static_cast<DWORD>(sizeof(RGBQUAD)); }
-    DWORD bytes() const { return bitsOffset() + header_->biSizeImage; }
-
-private:
-    HGLOBAL block_;
-    const BITMAPINFOHEADER *header_ = nullptr;
-};
-
-bool writeBitmapFile(const LoadedDib &dib, OutputFile &file) {
-    BITMAPFILEHEADER header{};
-    header.bfType = kBitmapType;
-    header.bfOffBits = static_cast<DWORD>(sizeof header) + dib.bitsOffset();
-    header.bfSize = static_cast<DWORD>(sizeof header) + dib.bytes();
-    file.write(&header, sizeof header);
-    file.write(&dib.header(), dib.bytes());
-    return file.commit();
+    if (output.sameAs(input)) {
+        throw UsageError("the output would replace the input");
+    }
 }
 
-std::string pageLabel(const TiffDocument &document, DWORD index) {
-    return document.name().shown() + ": page " + std::to_string(index + 1);
-}
-
-bool needsMissingModule(const TiffDocument &document, DWORD index) {
-    const RegisteredPage page(document, index);
-    return page && page.isDelegatedJpeg() && !jpegModuleAvailable();
-}
-
-Status convertPage(const TiffDocument &document, DWORD index, const FileName &output) {
-    Console &console = Console::get();
-    const std::string label = pageLabel(document, index);
-    if (needsMissingModule(document, index)) {
-        console.complain(label + ": " + kNoJpegModule);
-        return Status::Failed;
-    }
-    SetTiffError(VELLUM_OK);
-    const LoadedDib dib(LoadTiffIntoDIB(document.name().forLibrary().c_str(), index, 0));
-    const DWORD error = TiffError();
-    if (!dib) {
-        console.complain(label + ": " + libraryMessage(error));
-        return Status::Failed;
-    }
-    OutputFile file(output);
-    if (!writeBitmapFile(dib, file)) {
-        console.complain(output.shown() + ": " + file.failure());
-        return Status::Failed;
-    }
-    console.print(output.shown() + ": " + std::to_string(dib.header().biWidth) + " x " +
-                  std::to_string(dib.header().biHeight) + ", " + std::to_string(dib.header().biBitCount) +
-                  (dib.header().biBitCount == 1 ? " bit\n" : " bits\n"));
-    if (error != VELLUM_OK) {
-        console.complain(label + ": warning: only a part was there: " + libraryMessage(error));
-        return Status::Failed;
-    }
-    return Status::Ok;
-}
-
-Status convertAll(const TiffDocument &document, const FileName &output) {
-    Console &console = Console::get();
-    Status status = Status::Ok;
-    const std::string count = std::to_string(document.pageCount());
-    for (DWORD index = 0; index < document.pageCount(); ++index) {
-        console.progress("page " + std::to_string(index + 1) + " of " + count);
-        status = worse(status, convertPage(document, index, output.forPage(index + 1)));
-    }
-    if (const std::string chain = document.chainMessage(); !chain.empty()) {
-        console.complain(document.name().shown() + ": " + chain);
-        status = Status::Failed;
-    }
-    return status;
-}
-
-Status convertOne(const TiffDocument &document, unsigned long pageNumber, const FileName &output) {
-    if (pageNumber > document.pageCount()) {
-        const std::string count = std::to_string(document.pageCount());
-        Console::get().complain(document.name().shown() + ": there is no page " + std::to_string(pageNumber) +
-                                "; the file has " + count + ".");
-        return Status::Failed;
-    }
-    return convertPage(document, static_cast<DWORD>(pageNumber - 1), output);
-}
-
-Status run(const std::vector<std::string> &words) {
-    const Arguments arguments(words, kOptions);
+ConvertRequest parseRequest(const Arguments &arguments) {
     if (arguments.operands().size() != 2) {
         throw UsageError("one input file and one output file are needed");
     }
@@ -145,26 +121,69 @@ Status run(const std::vector<std::string> &words) {
     if (pageOption && arguments.has("--all")) {
         throw UsageError("'--page' and '--all' exclude each other");
     }
-    const unsigned long pageNumber = pageOption ? parsePageNumber("--page", *pageOption) : 1;
-    const FileName input(arguments.operands()[0]);
-    const FileName output(arguments.operands()[1]);
-    if (!output.hasExtension(".bmp")) {
-        throw UsageError("the output's name must end in .bmp, not '" + output.shown() + "'");
-    }
-    if (output.sameAs(input)) {
-        throw UsageError("the output would replace the input");
-    }
+    ConvertRequest request(FileName(arguments.operands()[0]), FileName(arguments.operands()[1]));
+    request.page = pageOption ? parsePageNumber("--page", *pageOption) : 1;
+    request.all = arguments.has("--all");
+    checkOutput(arguments, request.input, request.output);
+    request.append = arguments.has("--append");
+    request.coding = parseCoding(arguments);
+    request.title = arguments.value("--title");
+    request.artist = arguments.value("--artist");
+    return request;
+}
 
-    const TiffDocument document(input);
-    if (!document.isOpen()) {
-        Console::get().complain(input.shown() + ": " + document.openMessage());
+bool hasPage(const ConvertRequest &request, DWORD pageCount) {
+    if (pageCount == 0) {
+        Console::get().complain(request.input.shown() + ": there is no page in the file.");
+        return false;
+    }
+    if (request.all || request.page <= pageCount) {
+        return true;
+    }
+    Console::get().complain(request.input.shown() + ": there is no page " + std::to_string(request.page) +
+                            "; the file has " + std::to_string(pageCount) + ".");
+    return false;
+}
+
+Status convertBitmap(const ConvertRequest &request) {
+    if (!isTiffName(request.output)) {
+        Console::get().complain(request.input.shown() + ": a bitmap is converted to TIFF only.");
         return Status::Failed;
     }
-    return arguments.has("--all") ? convertAll(document, output) : convertOne(document, pageNumber, output);
+    const BitmapSource source(request.input);
+    return hasPage(request, source.pageCount()) ? convertToTiff(source, request) : Status::Failed;
+}
+
+Status convertTiff(const ConvertRequest &request) {
+    const TiffDocument document(request.input);
+    if (!document.isOpen()) {
+        Console::get().complain(request.input.shown() + ": " + document.openMessage());
+        return Status::Failed;
+    }
+    if (!hasPage(request, document.pageCount())) {
+        return Status::Failed;
+    }
+    Status status =
+        isTiffName(request.output) ? convertToTiff(TiffSource(document), request) : convertToBitmaps(document, request);
+    if (const std::string chain = document.chainMessage(); request.all && !chain.empty()) {
+        Console::get().complain(request.input.shown() + ": " + chain);
+        status = Status::Failed;
+    }
+    return status;
+}
+
+Status run(const std::vector<std::string> &words) {
+    const ConvertRequest request = parseRequest(Arguments(words, kOptions));
+    return isBitmapFile(request.input) ? convertBitmap(request) : convertTiff(request);
 }
 
 } // namespace
 
-constinit const Command convertCommand = {"convert", "turn pages into Windows bitmaps", kHelp, run};
+std::string sizeText(ULONGLONG width, ULONGLONG height, DWORD bitsPerPixel) {
+    return std::to_string(width) + " x " + std::to_string(height) + ", " + std::to_string(bitsPerPixel) +
+           (bitsPerPixel == 1 ? " bit" : " bits");
+}
+
+constinit const Command convertCommand = {"convert", "turn pages into Windows bitmaps or TIFF files", kHelp, run};
 
 } // namespace tool

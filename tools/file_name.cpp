@@ -146,9 +146,22 @@ std::string FileName::forLibrary() const {
     return !shortName.empty() && toAnsi(shortName, shortAnsi) ? shortAnsi : ansi;
 }
 
+bool FileName::isForLibrary() const {
+    constexpr std::size_t kLongestForLibrary = 149;
+    const std::string name = forLibrary();
+    std::string ansi;
+    return name.size() <= kLongestForLibrary && (toAnsi(system_, ansi) || ansi != name);
+}
+
 bool FileName::isFolder() const {
     const DWORD attributes = GetFileAttributesW(forSystem().c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+bool FileName::isReadOnlyFile() const {
+    constexpr DWORD kBoth = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
+    const DWORD attributes = GetFileAttributesW(forSystem().c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & kBoth) == FILE_ATTRIBUTE_READONLY;
 }
 
 bool FileName::exists() const {

@@ -25,8 +25,12 @@ public:
     [[nodiscard]] std::wstring forSystem() const;
     // For calls of the library.
     [[nodiscard]] std::string forLibrary() const;
+    // Whether the library can open the file, which must be there, under that name.
+    [[nodiscard]] bool isForLibrary() const;
 
     [[nodiscard]] bool isFolder() const;
+    // True for a file that is marked so. Not everywhere does the system itself keep others from changing it.
+    [[nodiscard]] bool isReadOnlyFile() const;
     // False also for what exists and cannot be looked at.
     [[nodiscard]] bool exists() const;
     // True when the system says that there is nothing of this name.

@@ -6,8 +6,6 @@
 
 namespace tool {
 
-namespace {
-
 std::string systemMessage(DWORD error) {
     switch (error) {
     case ERROR_FILE_NOT_FOUND:
@@ -17,6 +15,7 @@ std::string systemMessage(DWORD error) {
     case ERROR_WRITE_PROTECT:
         return "access is denied";
     case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
         return "another program is using it";
     case ERROR_DISK_FULL:
     case ERROR_HANDLE_DISK_FULL:
@@ -29,7 +28,9 @@ std::string systemMessage(DWORD error) {
     }
 }
 
-} // namespace
+std::string writeFailure(DWORD error) {
+    return "cannot be written: " + systemMessage(error) + ".";
+}
 
 OutputFile::OutputFile(const FileName &name)
     : name_(name), beside_(name.withSuffix("." + std::to_string(GetCurrentProcessId()) + ".part")),
@@ -38,6 +39,8 @@ OutputFile::OutputFile(const FileName &name)
     exists_ = file_ != INVALID_HANDLE_VALUE;
     if (!exists_) {
         fail(GetLastError());
+    } else if (name_.isReadOnlyFile()) {
+        fail(ERROR_ACCESS_DENIED);
     }
 }
 
@@ -66,10 +69,16 @@ void OutputFile::write(const void *data, std::size_t bytes) {
     }
 }
 
-bool OutputFile::commit() {
-    if (failure_.empty() && CloseHandle(std::exchange(file_, INVALID_HANDLE_VALUE)) == 0) {
+const FileName &OutputFile::handOver() {
+    const HANDLE file = std::exchange(file_, INVALID_HANDLE_VALUE);
+    if (file != INVALID_HANDLE_VALUE && CloseHandle(file) == 0) {
         fail(GetLastError());
     }
+    return beside_;
+}
+
+bool OutputFile::commit() {
+    handOver();
     if (failure_.empty()) {
         constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
         if (MoveFileExW(beside_.forSystem().c_str(), name_.forSystem().c_str(), kFlags) != 0) {
@@ -83,7 +92,7 @@ bool OutputFile::commit() {
 
 void OutputFile::fail(DWORD systemError) {
     if (failure_.empty()) {
-        failure_ = "cannot be written: " + systemMessage(systemError) + ".";
+        failure_ = writeFailure(systemError);
     }
 }
 

@@ -12,6 +12,11 @@
 
 namespace tool {
 
+// "the disk is full", for messages.
+std::string systemMessage(DWORD error);
+// "cannot be written: the disk is full."
+std::string writeFailure(DWORD error);
+
 class OutputFile {
 public:
     explicit OutputFile(const FileName &name);
@@ -20,6 +25,8 @@ public:
     ~OutputFile();
 
     void write(const void *data, std::size_t bytes);
+    // Closes the file, for others to write it. Result: the name that it has until then.
+    const FileName &handOver();
     // Gives the file its name. False when that failed or anything before it did; failure() says why.
     [[nodiscard]] bool commit();
     [[nodiscard]] const std::string &failure() const { return failure_; }

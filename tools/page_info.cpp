@@ -1,6 +1,7 @@
 // Collecting what there is to tell of a page, and its wording.
 #include "tools/page_info.h"
 
+#include "tools/tag_numbers.h"
 #include "tools/tag_values.h"
 #include "tools/tiff_names.h"
 
@@ -11,37 +12,16 @@ namespace tool {
 
 namespace {
 
-enum Tag : LONG {
-    kNewSubfileType = 254,
-    kImageWidth = 256,
-    kImageLength = 257,
-    kBitsPerSample = 258,
-    kCompression = 259,
-    kPhotometric = 262,
-    kFillOrder = 266,
-    kSamplesPerPixel = 277,
-    kXResolution = 282,
-    kYResolution = 283,
-    kT4Options = 292,
-    kT6Options = 293,
-    kResolutionUnit = 296,
-    kPredictor = 317,
-    kTileWidth = 322,
-    kTileLength = 323,
-};
-
-enum Unit : DWORD { kNoUnit = 1, kInch = 2, kCentimetre = 3 };
-
 DWORD compressionOption(const RegisteredPage &page, DWORD compression) {
     constexpr DWORD kGroup3 = 3;
     constexpr DWORD kGroup4 = 4;
     if (compression == kGroup3) {
-        return page.number(kT4Options).value_or(0);
+        return page.number(tag::kT4Options).value_or(0);
     }
     if (compression == kGroup4) {
-        return page.number(kT6Options).value_or(0);
+        return page.number(tag::kT6Options).value_or(0);
     }
-    return page.number(kPredictor).value_or(1);
+    return page.number(tag::kPredictor).value_or(1);
 }
 
 std::optional<double> rationalTag(const RegisteredPage &page, DWORD tag) {
@@ -72,28 +52,28 @@ PageInfo::PageInfo(const RegisteredPage &page) {
     const DWORD unusable = GetTiffDimensions(page.handle(), page.index(), &header);
     SetTiffError(VELLUM_OK); // a picture of a kind that the library does not load can still be described
     if (unusable == VELLUM_TAG_MISSING) {
-        width = page.number(kImageWidth);
-        height = page.number(kImageLength);
+        width = page.number(tag::kImageWidth);
+        height = page.number(tag::kImageLength);
     } else {
         width = static_cast<DWORD>(header.biWidth);
         height = static_cast<DWORD>(header.biHeight);
     }
-    bitsPerSample = page.number(kBitsPerSample).value_or(bitsPerSample);
-    samplesPerPixel = page.number(kSamplesPerPixel).value_or(samplesPerPixel);
-    photometric = page.number(kPhotometric);
-    compression = page.number(kCompression).value_or(compression);
+    bitsPerSample = page.number(tag::kBitsPerSample).value_or(bitsPerSample);
+    samplesPerPixel = page.number(tag::kSamplesPerPixel).value_or(samplesPerPixel);
+    photometric = page.number(tag::kPhotometric);
+    compression = page.number(tag::kCompression).value_or(compression);
     compressionOption = tool::compressionOption(page, compression);
-    fillOrder = page.number(kFillOrder).value_or(fillOrder);
-    subfileType = page.number(kNewSubfileType).value_or(0);
+    fillOrder = page.number(tag::kFillOrder).value_or(fillOrder);
+    subfileType = page.number(tag::kNewSubfileType).value_or(0);
     stripCount = static_cast<DWORD>(GetTiffStripCount(page.handle(), page.index()));
     rowsPerStrip = GetTiffRowsPerStrip(page.handle(), page.index());
-    tileWidth = page.number(kTileWidth);
-    tileLength = page.number(kTileLength);
+    tileWidth = page.number(tag::kTileWidth);
+    tileLength = page.number(tag::kTileLength);
 
-    const auto x = rationalTag(page, kXResolution);
-    const auto y = rationalTag(page, kYResolution);
+    const auto x = rationalTag(page, tag::kXResolution);
+    const auto y = rationalTag(page, tag::kYResolution);
     if (x && y) {
-        resolution = {*x, *y, page.number(kResolutionUnit).value_or(kInch)};
+        resolution = {*x, *y, page.number(tag::kResolutionUnit).value_or(kInch)};
         DWORD packed = 0;
         GetTiffImageDPI(page.handle(), page.index(), &packed);
         if (resolution->unit == kInch) {

@@ -2,6 +2,7 @@
 #include "tools/tag_values.h"
 
 #include "tools/json.h"
+#include "tools/tag_numbers.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,19 +11,17 @@ namespace tool {
 
 namespace {
 
-enum Type : DWORD { kByte = 1, kAscii, kShort, kLong, kRational, kSByte, kUndefined, kSShort, kSLong };
-
 constexpr DWORD kMostValues = 8;             // shown when abbreviated
 constexpr std::size_t kMostCharacters = 100; // likewise
 
 constexpr DWORD valueBytes(DWORD type) {
-    switch (type) {
-    case kShort:
+    switch (static_cast<Type>(type)) {
+    case Type::Short:
         return 2;
-    case kLong:
-    case kSLong:
+    case Type::Long:
+    case Type::SLong:
         return 4;
-    case kRational:
+    case Type::Rational:
         return 8;
     default:
         return 1;
@@ -68,21 +67,21 @@ std::string escaped(std::string_view utf8) {
 } // namespace
 
 bool TagValues::isText() const {
-    return type_ == kAscii;
+    return static_cast<Type>(type_) == Type::Ascii;
 }
 bool TagValues::isRational() const {
-    return type_ == kRational;
+    return static_cast<Type>(type_) == Type::Rational;
 }
 
 LONGLONG TagValues::number(DWORD position) const {
-    switch (type_) {
-    case kShort:
+    switch (static_cast<Type>(type_)) {
+    case Type::Short:
         return load<WORD>(bytes_, position);
-    case kLong:
+    case Type::Long:
         return load<DWORD>(bytes_, position);
-    case kSLong:
+    case Type::SLong:
         return load<LONG>(bytes_, position);
-    case kSByte:
+    case Type::SByte:
         return load<signed char>(bytes_, position);
     default:
         return load<BYTE>(bytes_, position);
@@ -92,6 +91,10 @@ LONGLONG TagValues::number(DWORD position) const {
 TagValues::Rational TagValues::rational(DWORD position) const {
     const std::size_t first = std::size_t{position} * 2;
     return {load<DWORD>(bytes_, first), load<DWORD>(bytes_, first + 1)};
+}
+
+std::string_view TagValues::bytes() const {
+    return std::string_view(bytes_).substr(0, std::size_t{count_} * valueBytes(type_));
 }
 
 std::string_view TagValues::text() const {

@@ -29,6 +29,8 @@ public:
         DWORD denominator;
     };
     [[nodiscard]] Rational rational(DWORD position) const;
+    // The values as they lie in memory.
+    [[nodiscard]] std::string_view bytes() const;
     // The text without its terminator.
     [[nodiscard]] std::string_view text() const;
 

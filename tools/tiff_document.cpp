@@ -1,6 +1,8 @@
 // Opening TIFFs and following their chains.
 #include "tools/tiff_document.h"
 
+#include "tools/tag_numbers.h"
+
 #include <algorithm>
 #include <map>
 
@@ -11,7 +13,6 @@ const char *const kNoJpegModule = "JPEG data need the companion module DCTLIB32.
 namespace {
 
 constexpr DWORD kMostPages = 1000; // the library takes no more
-constexpr LONG kCompressionTag = 259;
 constexpr DWORD kShort = 3;
 constexpr DWORD kLong = 4;
 constexpr LONG kEntryBytes = 12;
@@ -83,6 +84,16 @@ Chain followChain(const FileName &name, const TiffFileInfo &info, bool brokenAtO
         chain.end = Chain::End::TooMany;
     }
     return chain;
+}
+
+bool jpegModuleHas(const char *entry) {
+    const HMODULE module = LoadLibraryA("DCTLIB32.DLL");
+    if (module == nullptr) {
+        return false;
+    }
+    const bool found = GetProcAddress(module, entry) != nullptr;
+    FreeLibrary(module);
+    return found;
 }
 
 } // namespace
@@ -163,19 +174,16 @@ std::optional<DWORD> RegisteredPage::number(LONG tag) const {
 }
 
 bool RegisteredPage::isDelegatedJpeg() const {
-    return LOWORD(number(kCompressionTag).value_or(0)) == VELLUM_KEY_JPEG;
+    return LOWORD(number(tag::kCompression).value_or(0)) == VELLUM_KEY_JPEG;
 }
 
 bool jpegModuleAvailable() {
-    static const bool available = [] {
-        const HMODULE module = LoadLibraryA("DCTLIB32.DLL");
-        if (module == nullptr) {
-            return false;
-        }
-        const bool complete = GetProcAddress(module, "JPEGDecoder") != nullptr;
-        FreeLibrary(module);
-        return complete;
-    }();
+    static const bool available = jpegModuleHas("JPEGDecoder");
+    return available;
+}
+
+bool jpegModuleEncodes() {
+    static const bool available = jpegModuleHas("JPEGEncoder");
     return available;
 }
 

@@ -85,6 +85,8 @@ private:
 // Whether the companion JPEG module is there and complete. Without it the library would ask for it with a message box
 // and wait, so pages that need it are not decoded then; kNoJpegModule is the message.
 bool jpegModuleAvailable();
+// Whether it can encode as well.
+bool jpegModuleEncodes();
 extern const char *const kNoJpegModule;
 
 } // namespace tool

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
+
 namespace vellum::test {
 namespace {
 
@@ -11,7 +13,7 @@ constexpr const char *kShortHelp = R"(Usage: vellum COMMAND [options] FILE...
 
 Commands:
   info     tell what is in TIFF files
-  convert  turn pages into Windows bitmaps
+  convert  turn pages into Windows bitmaps or TIFF files
   check    decode every page and tell which ones are whole
 
 'vellum COMMAND --help' tells more about a command.
@@ -75,6 +77,17 @@ struct Misuse {
     const char *message;
 };
 
+void expectMisuse(std::span<const Misuse> misuses) {
+    const WorkFolder folder;
+    for (const Misuse &misuse : misuses) {
+        const Outcome outcome = folder.run(misuse.words);
+        EXPECT_EQ(outcome.err, misuse.message);
+        EXPECT_EQ(outcome.out, "") << misuse.message;
+        EXPECT_EQ(outcome.status, 2U) << misuse.message;
+    }
+    EXPECT_TRUE(folder.files().empty());
+}
+
 TEST(CommandLine, MisuseIsExplainedWithStatus2) {
     const Misuse misuses[] = {
         {{"frobnicate"}, "vellum: unknown command 'frobnicate'\nTry 'vellum --help'.\n"},
@@ -102,18 +115,53 @@ TEST(CommandLine, MisuseIsExplainedWithStatus2) {
         {{"convert", "a.tif", "a.bmp", "--page", "2", "--all"},
          "vellum convert: '--page' and '--all' exclude each other\nTry 'vellum convert --help'.\n"},
         {{"convert", "a.tif", "a.png"},
-         "vellum convert: the output's name must end in .bmp, not 'a.png'\nTry 'vellum convert --help'.\n"},
+         "vellum convert: the output's name must end in .bmp, .tif or .tiff, not 'a.png'\n"
+         "Try 'vellum convert --help'.\n"},
         {{"convert", "a.bmp", "A.BMP"},
          "vellum convert: the output would replace the input\nTry 'vellum convert --help'.\n"},
     };
-    const WorkFolder folder;
-    for (const Misuse &misuse : misuses) {
-        const Outcome outcome = folder.run(misuse.words);
-        EXPECT_EQ(outcome.err, misuse.message);
-        EXPECT_EQ(outcome.out, "") << misuse.message;
-        EXPECT_EQ(outcome.status, 2U) << misuse.message;
-    }
-    EXPECT_TRUE(folder.files().empty());
+    expectMisuse(misuses);
+}
+
+TEST(CommandLine, OptionsForTiffOutputGoWithNoOther) {
+    const Misuse misuses[] = {
+        {{"convert", "--append", "a.tif", "A.TIF"},
+         "vellum convert: the output would replace the input\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--compression", "none"},
+         "vellum convert: '--compression' is for TIFF output only\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--fill-order=1"},
+         "vellum convert: '--fill-order' is for TIFF output only\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--k=4"},
+         "vellum convert: '--k' is for TIFF output only\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--title=x"},
+         "vellum convert: '--title' is for TIFF output only\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--artist=x"},
+         "vellum convert: '--artist' is for TIFF output only\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "a.bmp", "--append"},
+         "vellum convert: '--append' is for TIFF output only\nTry 'vellum convert --help'.\n"},
+    };
+    expectMisuse(misuses);
+}
+
+TEST(CommandLine, CodingsThatMakeNoSenseAreExplained) {
+    const Misuse misuses[] = {
+        {{"convert", "a.tif", "b.tif", "--compression=zip"},
+         "vellum convert: option '--compression' wants one of none, packbits, lzw, lzw-diff, mh, g3, g3-2d, g4, jpeg, "
+         "not 'zip'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "b.tif", "--fill-order=3"},
+         "vellum convert: option '--fill-order' wants 1 or 2, not '3'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "b.tif", "--fill-order=2", "--compression=jpeg"},
+         "vellum convert: '--fill-order' does not go with '--compression jpeg'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "b.tif", "--compression=g3-2d", "--k=1"},
+         "vellum convert: option '--k' wants a number from 2 on, not '1'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "b.tif", "--compression=g3-2d", "--k=4lines"},
+         "vellum convert: option '--k' wants a number from 2 on, not '4lines'\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "b.tif", "--compression=g3", "--k=4"},
+         "vellum convert: '--k' goes with '--compression g3-2d' only\nTry 'vellum convert --help'.\n"},
+        {{"convert", "a.tif", "b.tif", "--k=4"},
+         "vellum convert: '--k' goes with '--compression g3-2d' only\nTry 'vellum convert --help'.\n"},
+    };
+    expectMisuse(misuses);
 }
 
 TEST(CommandLine, TwoDashesEndTheOptions) {

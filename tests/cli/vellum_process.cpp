@@ -27,13 +27,23 @@ std::string narrow(const std::wstring &text) {
     return result;
 }
 
-std::wstring programPath() {
+// The folder of the test programs.
+std::wstring testsFolder() {
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     std::wstring folder = path;
     folder.resize(folder.find_last_of(L"\\/"));
+    return folder;
+}
+
+std::wstring programPath() {
+    std::wstring folder = testsFolder();
     folder.resize(folder.find_last_of(L"\\/"));
     return folder + L"\\bin\\vellum.exe";
+}
+
+std::wstring watcherPath() {
+    return testsFolder() + L"\\console_watcher.exe";
 }
 
 // The test words hold no quotes and do not end in a backslash.
@@ -118,6 +128,14 @@ WorkFolder::~WorkFolder() {
 }
 
 Outcome WorkFolder::run(const std::vector<std::string> &words) const {
+    return start(programPath(), commandLine(words));
+}
+
+Outcome WorkFolder::runOnConsole(const std::vector<std::string> &words) const {
+    return start(watcherPath(), L"\"" + watcherPath() + L"\" " + commandLine(words));
+}
+
+Outcome WorkFolder::start(const std::wstring &program, std::wstring commandLine) const {
     const Catcher out;
     const Catcher err;
     STARTUPINFOW startup{};
@@ -126,15 +144,14 @@ Outcome WorkFolder::run(const std::vector<std::string> &words) const {
     startup.hStdOutput = out.file;
     startup.hStdError = err.file;
     PROCESS_INFORMATION process{};
-    std::wstring line = commandLine(words);
-    if (CreateProcessW(programPath().c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+    if (CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
                        wide(path_).c_str(), &startup, &process) == 0) {
-        ADD_FAILURE() << "cannot start " << narrow(programPath()) << ": error " << GetLastError();
+        ADD_FAILURE() << "cannot start " << narrow(program) << ": error " << GetLastError();
         return {};
     }
     Outcome outcome;
     if (WaitForSingleObject(process.hProcess, kPatience) != WAIT_OBJECT_0) {
-        ADD_FAILURE() << "vellum.exe does not end";
+        ADD_FAILURE() << "the program does not end";
         TerminateProcess(process.hProcess, 99);
         WaitForSingleObject(process.hProcess, kPatience);
     }

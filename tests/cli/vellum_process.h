@@ -25,6 +25,9 @@ public:
 
     // Runs "vellum WORDS..." in the folder. Words are UTF-8 and may hold blanks.
     [[nodiscard]] Outcome run(const std::vector<std::string> &words) const;
+    // The same with standard error on a console, until something has been seen there three times; then the program is
+    // ended with status 99. The outcome's err is what was seen, a line in brackets for every time.
+    [[nodiscard]] Outcome runOnConsole(const std::vector<std::string> &words) const;
 
     // Names in the folder, with "/" between folders.
     void put(const std::string &name, const Bytes &content) const;
@@ -35,6 +38,8 @@ public:
     [[nodiscard]] std::vector<std::string> files() const;
 
 private:
+    [[nodiscard]] Outcome start(const std::wstring &program, std::wstring commandLine) const;
+
     std::string path_;
 };
 

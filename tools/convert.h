@@ -1,0 +1,41 @@
+// The two ends of `vellum convert`: pages into bitmap files, and pages into a TIFF.
+#pragma once
+
+#include "tools/command.h"
+#include "tools/picture.h"
+#include "tools/tiff_coding.h"
+#include "tools/tiff_document.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace tool {
+
+struct ConvertRequest {
+    ConvertRequest(FileName in, FileName out) : input(std::move(in)), output(std::move(out)) {}
+
+    FileName input;
+    FileName output;
+    bool all = false;
+    DWORD page = 1; // unless all
+    // For a TIFF.
+    bool append = false;
+    TiffCoding coding;
+    // Texts in place of those of the pages; an empty one takes them away.
+    std::optional<std::string> title;
+    std::optional<std::string> artist;
+
+    // Pages to convert, by index.
+    [[nodiscard]] DWORD firstPage() const { return all ? 0 : page - 1; }
+    [[nodiscard]] DWORD endPage(DWORD pageCount) const { return all ? pageCount : page; }
+};
+
+// Each complains of what cannot be converted and tells what has been written.
+Status convertToBitmaps(const TiffDocument &document, const ConvertRequest &request);
+Status convertToTiff(const PageSource &source, const ConvertRequest &request);
+
+// "1728 x 2287, 1 bit"
+std::string sizeText(ULONGLONG width, ULONGLONG height, DWORD bitsPerPixel);
+
+} // namespace tool
