@@ -1,8 +1,5 @@
-// One measurement: VELLUM and libtiff decode the same image in turns, as a Google Benchmark of so many rounds.
-//
-// In a round the two take several short turns, one right behind the other and every other round in the opposite order,
-// and the best turn of each counts, so that what disturbs the machine meets both or neither. What is reported are
-// medians over the rounds: of the time of each, and of the ratio within a round.
+// One measurement: VELLUM and libtiff decode the same image in turns, or encode the same page, as a Google Benchmark of
+// so many rounds (bench/turns.h).
 #pragma once
 
 #include "bench/memory_tiff.h"
@@ -15,16 +12,18 @@ namespace bench {
 
 struct Settings {
     int rounds = 11;
-    double turnMilliseconds = 1; // at least one decode
+    double turnMilliseconds = 1; // at least one decode or encode
     bool decodeOnly = false;     // leave opening and closing out of the times
     bool mapped = true;          // let libtiff use the file's bytes in place instead of reading them
     std::string pagesFolder;     // measure real files too
+    bool wholePages = false;     // encoding: libtiff takes strips from the page instead of having lines supplied
+    std::string scratchFolder;   // where the encoders write their files
 };
 
 // What the reporter finds among a run's counters.
 namespace counter {
 constexpr const char *kLines = "lines";
-constexpr const char *kMegabytes = "megabytes"; // decoded
+constexpr const char *kMegabytes = "megabytes"; // uncompressed
 constexpr const char *kCodeBytes = "code_bytes";
 constexpr const char *kVellumNanoseconds = "vellum_ns";
 constexpr const char *kLibtiffNanoseconds = "libtiff_ns";
@@ -35,8 +34,9 @@ constexpr const char *kLibtiffByLine = "libtiff_by_line";
 } // namespace counter
 
 // Registers every made page with every codec that takes it in three layouts, and the files of settings.pagesFolder.
-// Names are codec/page/layout.
+// Names are codec/page/layout; encode/codec/page/layout of the encoders.
 void registerMadePages(const Settings &settings);
+void registerEncodes(const Settings &settings);
 void registerFolder(const Settings &settings);
 
 } // namespace bench

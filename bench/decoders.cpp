@@ -133,4 +133,23 @@ bool LibtiffDecoder::decodeTo(const LineSink &sink) {
     return true;
 }
 
+Bytes decodeAll(Decoder &decoder, std::size_t rowBytes) {
+    Bytes picture;
+    const bool good = decoder.open() && decoder.decodeTo([&](const std::uint8_t *line, unsigned) {
+        picture.insert(picture.end(), line, line + rowBytes);
+    });
+    decoder.close();
+    return good ? picture : Bytes();
+}
+
+std::size_t rowBytesOf(const Bytes &file, unsigned image) {
+    MemoryFile source;
+    source.bytes = &file;
+    const TiffPointer tiff = openForReading(source);
+    if (tiff == nullptr || TIFFSetDirectory(tiff.get(), static_cast<tdir_t>(image)) != 1) {
+        return 0;
+    }
+    return static_cast<std::size_t>(TIFFScanlineSize(tiff.get()));
+}
+
 } // namespace bench

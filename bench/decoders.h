@@ -69,4 +69,10 @@ private:
     std::size_t rowBytes_ = 0;
 };
 
+// The picture as one library sees it; empty when it cannot decode the image.
+Bytes decodeAll(Decoder &decoder, std::size_t rowBytes);
+
+// Of an image of a file; 0 when there is none.
+std::size_t rowBytesOf(const Bytes &file, unsigned image);
+
 } // namespace bench

@@ -1,6 +1,8 @@
-// vellum_bench: VELLUM's decoders beside libtiff's, in memory. Takes Google Benchmark's options
+// vellum_bench: VELLUM's decoders beside libtiff's, in memory, or its encoders, into files. Takes Google Benchmark's
+// options
 // (--benchmark_filter=REGEX, --benchmark_out=FILE and so on) and those of usage() below.
 #include "bench/comparison.h"
+#include "bench/encode_comparison.h"
 #include "bench/table_reporter.h"
 
 #include <algorithm>
@@ -11,6 +13,7 @@
 #include <fstream>
 #include <iostream>
 #include <optional>
+#include <system_error>
 
 namespace {
 
@@ -21,6 +24,10 @@ void usage() {
            "  --turn-ms=T      least time of a library's turn, in milliseconds (1); a round has three turns of each\n"
            "  --decode-only    do not time opening and closing\n"
            "  --not-mapped     libtiff reads the bytes through its callbacks instead of using them in place\n"
+           "  --encode         measure the encoders instead of the decoders\n"
+           "  --whole-pages    encoding: libtiff takes strips from the page itself, without a line function\n"
+           "  --append         time the appending of many pages to one file, and stop\n"
+           "  --scratch=DIR    where the encoders write their files; memory if it can be had\n"
            "  --pages=DIR      also measure every TIFF in a folder\n"
            "  --no-made-pages  do not measure the pages that the program makes\n"
            "  --write-pages=DIR  write the pages that the program makes as PGM, PPM and PBM files, and stop\n";
@@ -50,6 +57,8 @@ void writePages(const std::string &folder) {
 int run(int argc, char **argv) {
     bench::Settings settings;
     bool madePages = true;
+    bool encoders = false;
+    bool appending = false;
     int kept = 1;
     for (int i = 1; i < argc; ++i) {
         if (const auto rounds = valueOf(argv[i], "--rounds")) {
@@ -61,6 +70,14 @@ int run(int argc, char **argv) {
         } else if (const auto target = valueOf(argv[i], "--write-pages")) {
             writePages(*target);
             return 0;
+        } else if (const auto scratch = valueOf(argv[i], "--scratch")) {
+            settings.scratchFolder = *scratch;
+        } else if (std::strcmp(argv[i], "--encode") == 0) {
+            encoders = true;
+        } else if (std::strcmp(argv[i], "--whole-pages") == 0) {
+            settings.wholePages = true;
+        } else if (std::strcmp(argv[i], "--append") == 0) {
+            appending = true;
         } else if (std::strcmp(argv[i], "--decode-only") == 0) {
             settings.decodeOnly = true;
         } else if (std::strcmp(argv[i], "--not-mapped") == 0) {
@@ -71,11 +88,23 @@ int run(int argc, char **argv) {
             argv[kept++] = argv[i];
         }
     }
+    if (settings.scratchFolder.empty()) {
+        const std::filesystem::path memory("/dev/shm");
+        std::error_code error;
+        settings.scratchFolder =
+            (std::filesystem::is_directory(memory, error) ? memory : std::filesystem::temp_directory_path()).string();
+    }
+    if (appending) {
+        bench::timeAppending(settings);
+        return 0;
+    }
     benchmark::Initialize(&kept, argv, usage);
     if (benchmark::ReportUnrecognizedArguments(kept, argv)) {
         return 2;
     }
-    if (madePages) {
+    if (encoders) {
+        bench::registerEncodes(settings);
+    } else if (madePages) {
         bench::registerMadePages(settings);
     }
     if (!settings.pagesFolder.empty()) {

@@ -118,16 +118,6 @@ void setCodec(TIFF *tiff, Codec codec) {
     }
 }
 
-int photometricOf(const Page &page) {
-    if (page.palette) {
-        return PHOTOMETRIC_PALETTE;
-    }
-    if (page.samplesPerPixel == 3) {
-        return PHOTOMETRIC_RGB;
-    }
-    return page.bitsPerSample == 1 ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK;
-}
-
 } // namespace
 
 const char *codecName(Codec codec) {
@@ -178,6 +168,31 @@ std::string codecNameOf(TIFF *tiff) {
     }
 }
 
+int photometricOf(const Page &page) {
+    if (page.palette) {
+        return PHOTOMETRIC_PALETTE;
+    }
+    if (page.samplesPerPixel == 3) {
+        return PHOTOMETRIC_RGB;
+    }
+    return page.bitsPerSample == 1 ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK;
+}
+
+void setTags(TIFF *tiff, const Page &page, Codec codec, unsigned rowsPerStrip) {
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, page.width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, page.height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, page.bitsPerSample);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, photometricOf(page));
+    TIFFSetField(tiff, TIFFTAG_FILLORDER, FILLORDER_MSB2LSB);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, std::min(rowsPerStrip, page.height));
+    setCodec(tiff, codec);
+    if (page.palette) {
+        setColorMap(tiff);
+    }
+}
+
 TiffPointer openForReading(MemoryFile &file) {
     return open(file, "r");
 }
@@ -188,18 +203,7 @@ Bytes writeTiff(const Page &page, Codec codec, unsigned rowsPerStrip) {
     if (tiff == nullptr) {
         throw std::runtime_error("libtiff does not open a TIFF for writing");
     }
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, page.width);
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, page.height);
-    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, page.bitsPerSample);
-    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel);
-    TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, photometricOf(page));
-    TIFFSetField(tiff.get(), TIFFTAG_FILLORDER, FILLORDER_MSB2LSB);
-    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, std::min(rowsPerStrip, page.height));
-    setCodec(tiff.get(), codec);
-    if (page.palette) {
-        setColorMap(tiff.get());
-    }
+    setTags(tiff.get(), page, codec, rowsPerStrip);
     Bytes line(page.rowBytes);
     for (unsigned y = 0; y < page.height; ++y) {
         // Encoding with differencing changes the line it is given.

@@ -48,6 +48,12 @@ struct MemoryFile {
 // it can use in place. Null when it is not a TIFF.
 TiffPointer openForReading(MemoryFile &file);
 
+// PhotometricInterpretation of a page.
+int photometricOf(const Page &page);
+
+// All tags of a page that is written with libtiff.
+void setTags(TIFF *tiff, const Page &page, Codec codec, unsigned rowsPerStrip);
+
 // A page as a TIFF of one image.
 Bytes writeTiff(const Page &page, Codec codec, unsigned rowsPerStrip);
 
