@@ -7,6 +7,8 @@
 namespace vellum {
 namespace {
 
+constexpr WORD kMagic = 42;
+
 template <class Number>
 BYTE *bytesOf(Number &number) {
     return reinterpret_cast<BYTE *>(&number);
@@ -23,14 +25,15 @@ Error writeTiffHeader(TiffHandle tiff, StreamHandle stream, DWORD firstDirectory
         // Not being at the end would mean writing over what is there.
         return seekStream(stream, 0, FILE_END) == -1 ? Error::Io : Error::None;
     }
-    WORD byteOrder = file->byteOrder;
-    WORD magic = 42;
+    const WORD byteOrder = file->byteOrder;
+    const WORD magic = byteOrder == kMotorolaOrder ? swapped(kMagic) : kMagic;
+    BYTE header[8];
+    std::memcpy(header, &byteOrder, sizeof byteOrder);
+    std::memcpy(header + 2, &magic, sizeof magic);
     // By design: the offset is written in machine order whatever the file's is. It only holds the place: the link is
     // overwritten, in the file's order, when the first directory is there.
-    const bool written =
-        writeStream(stream, bytesOf(byteOrder), sizeof byteOrder) == sizeof byteOrder &&
-        writeValues(stream, kShort, 1, bytesOf(magic), byteOrder, 0) == Error::None &&
-        writeStream(stream, bytesOf(firstDirectoryOffset), sizeof firstDirectoryOffset) == sizeof firstDirectoryOffset;
+    std::memcpy(header + 4, &firstDirectoryOffset, sizeof firstDirectoryOffset);
+    const bool written = writeStream(stream, header, sizeof header) == sizeof header;
     return written ? Error::None : Error::Io;
 }
 

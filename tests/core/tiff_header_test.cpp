@@ -60,9 +60,9 @@ TEST(TiffHeader, ThatCannotBeWrittenIsAnError) {
     const TempFile file;
     TiffHandle tiff = OpenTiffFile(file.path(), T_CREAT);
     const Stream stream(openFileStream(file.path(), kOpenCreate));
-    for (long nth = 0; nth < 3; ++nth) {
-        const FailNth fault(Call::Write, nth);
-        EXPECT_EQ(writeTiffHeader(tiff, stream.get(), 8), Error::Io) << nth;
+    {
+        const FailNth fault(Call::Write, 0);
+        EXPECT_EQ(writeTiffHeader(tiff, stream.get(), 8), Error::Io);
     }
     EXPECT_EQ(writeTiffHeader(tiff, kNoStream, 8), Error::Io);
     EXPECT_EQ(writeTiffHeader(nullptr, stream.get(), 8), Error::NoMemory);
