@@ -14,6 +14,17 @@ VELLUM_FIELD(TiffFileInfo, byteOrder, 150);
 VELLUM_FIELD(TiffFileInfo, imageCount, 152);
 VELLUM_FIELD(TiffFileInfo, firstDirectoryOffset, 156);
 
+static_assert(sizeof(IocaHeader) == 22);
+VELLUM_FIELD(IocaHeader, segmentName, 0);
+VELLUM_FIELD(IocaHeader, contentParameter, 4);
+VELLUM_FIELD(IocaHeader, horizontalResolution, 6);
+VELLUM_FIELD(IocaHeader, verticalResolution, 8);
+VELLUM_FIELD(IocaHeader, width, 10);
+VELLUM_FIELD(IocaHeader, height, 12);
+VELLUM_FIELD(IocaHeader, compression, 14);
+VELLUM_FIELD(IocaHeader, firstBlockLength, 16);
+VELLUM_FIELD(IocaHeader, firstBlockPosition, 18);
+
 static_assert(sizeof(CodecState) == 176);
 VELLUM_FIELD(CodecState, codePointer, 0);
 VELLUM_FIELD(CodecState, linePointer, 4);

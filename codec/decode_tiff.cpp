@@ -6,6 +6,7 @@
 #include "codec/jpeg_module.h"
 #include "codec/strip_table.h"
 #include "core/library_state.h"
+#include "core/run_stream.h"
 
 namespace vellum {
 namespace {
@@ -66,38 +67,16 @@ Error readJpegParameters(JpegCodecState &jpeg, const ImageTags &tags) {
     return state.image.biBitCount > 8 ? readColourCoding(jpeg, tags) : Error::None;
 }
 
-// A stream of the run's own on the TIFF; a memory stream's block is stored back when the run ends.
-class RunStream {
-public:
-    explicit RunStream(TiffHandle tiff) : tiff_(tiff), stream_(open(tiff)) {}
-    ~RunStream() {
-        if (const TiffFileView file(tiff_); file && stream_) {
-            storeBackMemoryBlock(*file, stream_.get());
-        }
+// Makes the stream the state's, at its start.
+Error giveStream(CodecState &state, const RunStream &stream) {
+    const LONG size = stream ? sizeOfStream(stream.get()) : -1;
+    if (size < 0 || seekStream(stream.get(), 0, 0) == -1) {
+        return Error::Io;
     }
-    RunStream(const RunStream &) = delete;
-    RunStream &operator=(const RunStream &) = delete;
-
-    // Makes the stream the state's, at its start.
-    Error giveTo(CodecState &state) const {
-        const LONG size = stream_ ? sizeOfStream(stream_.get()) : -1;
-        if (size < 0 || seekStream(stream_.get(), 0, 0) == -1) {
-            return Error::Io;
-        }
-        state.stream = stream_.get();
-        state.streamLimit = static_cast<DWORD>(size);
-        return Error::None;
-    }
-
-private:
-    static StreamHandle open(TiffHandle tiff) {
-        const TiffFileView file(tiff);
-        return file ? openForReading(*file) : kNoStream;
-    }
-
-    TiffHandle tiff_;
-    Stream stream_;
-};
+    state.stream = stream.get();
+    state.streamLimit = static_cast<DWORD>(size);
+    return Error::None;
+}
 
 // The flag is 1 during a run that starts behind the first strip, and after every run.
 class PartialDecodeFlag {
@@ -109,8 +88,8 @@ public:
 };
 
 Error run(CodecState &state, const DecodeRequest &request) {
-    const RunStream stream(request.tiff);
-    if (const Error error = stream.giveTo(state); error != Error::None) {
+    const RunStream stream(request.tiff, openForReading, storeBackMemoryBlock);
+    if (const Error error = giveStream(state, stream); error != Error::None) {
         return error;
     }
     const auto lineSize = static_cast<DWORD>(state.bytesPerLine);

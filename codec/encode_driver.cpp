@@ -6,6 +6,7 @@
 #include "codec/ccitt_encode.h"
 #include "codec/jpeg_module.h"
 #include "support/global_block.h"
+#include "support/row_bytes.h"
 
 namespace vellum {
 namespace {
@@ -50,6 +51,14 @@ Error runAndFlush(CodecState &state, Encoder encode) {
     return state.codeBuffer != nullptr ? flushCodeBuffer(state) : Error::None;
 }
 
+bool isCcitt(Encoder encode) {
+    return encode == encodeOneDimensional || encode == encodeGroup3TwoDimensional || encode == encodeGroup4;
+}
+
+bool tooWideForCcitt(const RawImage &image) {
+    return lineBytes(image.width, 1).fit().value_or(0xFFFFFFFF) > static_cast<DWORD>(kWidestCcittLine);
+}
+
 Error encodeRaw(const RawImage &image, Error (*encode)(CodecState &)) {
     JpegCodecState jpeg{};
     CodecState &state = jpeg.codec;
@@ -71,8 +80,7 @@ Error checkEncodable(const CodecState &state) {
     if (encode == nullptr) {
         return Error::UnknownCompression;
     }
-    const bool ccitt = encode == encodeOneDimensional || encode == encodeGroup3TwoDimensional || encode == encodeGroup4;
-    return ccitt && state.bytesPerLine > kWidestCcittLine ? Error::BadCode : Error::None;
+    return isCcitt(encode) && state.bytesPerLine > kWidestCcittLine ? Error::BadCode : Error::None;
 }
 
 Error encodeImageData(CodecState &state) {
@@ -90,11 +98,12 @@ Error allocateStripTables(CodecState &state) {
 }
 
 Error encodeRawImage(const RawImage &image) {
-    return encodeRaw(image, encodeImageData);
+    const bool tooWide = isCcitt(encoderOf(image.compressionKey)) && tooWideForCcitt(image);
+    return tooWide ? Error::BadCode : encodeRaw(image, encodeImageData);
 }
 
 Error encodeMmrImage(const RawImage &image) {
-    return encodeRaw(image, encodeBlockFramedMmr);
+    return tooWideForCcitt(image) ? Error::BadCode : encodeRaw(image, encodeBlockFramedMmr);
 }
 
 } // namespace vellum

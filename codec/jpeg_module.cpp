@@ -2,6 +2,7 @@
 #include "codec/jpeg_module.h"
 
 #include "core/library_state.h"
+#include "support/loaded_module.h"
 
 namespace vellum {
 namespace {
@@ -19,9 +20,6 @@ struct EntryName {
 constexpr EntryName kDecoder = {"JPEGDecoder", "'JPEGDecoder' function is not found"};
 constexpr EntryName kEncoder = {"JPEGEncoder", "'JPEGEncoder' function is not found"};
 
-// Module handles below this are error numbers of old systems.
-constexpr UINT_PTR kLeastHandle = 32;
-
 using CodecEntry = DWORD(VELLUMAPI *)(CodecState *);
 
 void tell(const char *text) {
@@ -30,31 +28,34 @@ void tell(const char *text) {
 
 HMODULE loadedModule() {
     if (library.jpegModule == nullptr) {
-        const HMODULE module = LoadLibraryA(kModuleName);
-        library.jpegModule = reinterpret_cast<UINT_PTR>(module) < kLeastHandle ? nullptr : module;
+        library.jpegModule = loadModule(kModuleName);
     }
     return library.jpegModule;
 }
 
 // The entry, or null after telling the user what is missing.
-CodecEntry findEntry(const EntryName &entry) {
+CodecEntry findCodec(const EntryName &entry) {
     const HMODULE module = loadedModule();
     if (module == nullptr) {
         tell(kModuleMissing);
         return nullptr;
     }
-    const FARPROC found = GetProcAddress(module, entry.name);
+    const auto found = findEntry<CodecEntry>(module, entry.name);
     if (found == nullptr) {
         tell(entry.missing);
     }
-    // Through void *, the conversion between function types that compilers accept in silence.
-    return reinterpret_cast<CodecEntry>(reinterpret_cast<void *>(found));
+    return found;
 }
 
 Error run(const EntryName &name, CodecState &state) {
-    const CodecEntry entry = findEntry(name);
-    // By design: the user has been told; a program that walks an archive goes on.
-    return entry != nullptr ? fromLineFunction(entry(&state)) : Error::None;
+    const CodecEntry entry = findCodec(name);
+    if (entry == nullptr) {
+        // By design: the user has been told; a program that walks an archive goes on.
+        return Error::None;
+    }
+    // A line function may close a TIFF, which unloads the module: not while it runs.
+    const LoadedModule held(kModuleName);
+    return fromLineFunction(entry(&state));
 }
 
 } // namespace
@@ -68,7 +69,7 @@ Error encodeByJpegModule(CodecState &state) {
 }
 
 bool jpegModuleEncodes() {
-    return findEntry(kEncoder) != nullptr;
+    return findCodec(kEncoder) != nullptr;
 }
 
 } // namespace vellum

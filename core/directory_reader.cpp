@@ -135,6 +135,9 @@ class RecordWriter {
 public:
     RecordWriter(BYTE *records, DWORD bytes) : at_(records), left_(bytes) {}
 
+    // Bytes that no record has taken.
+    [[nodiscard]] DWORD left() const { return left_; }
+
     // Adds a record and gives the place of its values; null when it does not fit.
     BYTE *add(const DirectoryEntry &entry) {
         if (entry.recordLength() > left_) {
@@ -156,7 +159,7 @@ private:
     DWORD left_;
 };
 
-bool readRecords(EntryReader &entries, RecordWriter records, StreamHandle stream, WORD byteOrder) {
+bool readRecords(EntryReader &entries, RecordWriter &records, StreamHandle stream, WORD byteOrder) {
     while (const auto entry = entries.next()) {
         BYTE *data = records.add(*entry);
         if (data == nullptr) {
@@ -204,10 +207,12 @@ Error loadDirectory(const TiffFileBlock &file, DWORD index, GlobalBlock &directo
         return Error::Io;
     }
     *head = {entries.count(), slot.directorySize + kSpareBytes, slot.directorySize};
-    const RecordWriter records(reinterpret_cast<BYTE *>(head.get() + 1), slot.directorySize);
+    RecordWriter records(reinterpret_cast<BYTE *>(head.get() + 1), slot.directorySize);
     if (!readRecords(entries, records, stream.get(), file.byteOrder)) {
         return Error::Io;
     }
+    // The file may have become another one since it was scanned.
+    head->used -= records.left();
     directory = std::move(block);
     return Error::None;
 }

@@ -73,6 +73,10 @@ struct LibraryState {
     // write/save_bitmap.cpp: valid while SaveBitmapInCcittFile encodes, for DllFillCcittLine; else all zero.
     CcittBitmapInfo ccittBitmap;
 
+    // write/ccitt_append.cpp: the target of the last AppendCCITTImageFile, which callers hold a pointer to; empty
+    // before the first call and after one that failed early.
+    char appendedPath[MAX_PATH] = "";
+
     // codec/decode_tiff.cpp: 1 while a decode that starts behind the first strip runs, and after any decode.
     DWORD partialDecode = 0;
 

@@ -25,7 +25,10 @@ Error writeTiffHeader(TiffHandle tiff, StreamHandle stream, DWORD firstDirectory
         // Not being at the end would mean writing over what is there.
         return seekStream(stream, 0, FILE_END) == -1 ? Error::Io : Error::None;
     }
-    const WORD byteOrder = file->byteOrder;
+    return writeNewHeader(stream, file->byteOrder, firstDirectoryOffset);
+}
+
+Error writeNewHeader(StreamHandle stream, WORD byteOrder, DWORD firstDirectoryOffset) {
     const WORD magic = byteOrder == kMotorolaOrder ? swapped(kMagic) : kMagic;
     BYTE header[8];
     std::memcpy(header, &byteOrder, sizeof byteOrder);

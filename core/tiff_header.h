@@ -9,6 +9,9 @@ namespace vellum {
 // the end.
 Error writeTiffHeader(TiffHandle tiff, StreamHandle stream, DWORD firstDirectoryOffset);
 
+// The header of a new file, at the stream's position.
+Error writeNewHeader(StreamHandle stream, WORD byteOrder, DWORD firstDirectoryOffset);
+
 // Whether a file can be opened and begins with "II" or "MM".
 bool looksLikeTiff(const char *path);
 

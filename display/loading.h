@@ -1,36 +1,9 @@
 // Loading of whole images: what the loaders share, and their inner functions.
 #pragma once
 
-#include "core/tiff_file.h"
+#include "core/loaded_image.h"
 
 namespace vellum {
-
-// A TIFF that is open, with one image registered, for the lifetime of a load. Empty when either failed: the error is
-// set then.
-class LoadedImage {
-public:
-    LoadedImage(const char *path, DWORD index) : tiff_(OpenTiffFile(path, T_READ)), index_(index) {
-        if (tiff_ != nullptr && GetTiffImage(tiff_, index) == 0) {
-            CloseTiffFile(tiff_);
-            tiff_ = nullptr;
-        }
-    }
-    LoadedImage(const LoadedImage &) = delete;
-    LoadedImage &operator=(const LoadedImage &) = delete;
-    ~LoadedImage() {
-        if (tiff_ != nullptr) {
-            CloseTiffFile(tiff_);
-        }
-    }
-
-    explicit operator bool() const { return tiff_ != nullptr; }
-    [[nodiscard]] TiffHandle tiff() const { return tiff_; }
-    [[nodiscard]] DWORD index() const { return index_; }
-
-private:
-    TiffHandle tiff_;
-    DWORD index_;
-};
 
 // One of the loaders' line functions as a LineFunc, whose user value is the context's address.
 template <DWORD(VELLUMAPI *lineFunction)(BYTE *, DWORD, LoadLineContext *)>

@@ -4,7 +4,7 @@
 
 int main(int argc, char **argv) {
     char message[64];
-    HGLOBAL dib = argc > 1 ? LoadTiffIntoDIB(argv[1], 0, FALSE) : NULL;
+    HGLOBAL dib = LoadTiffIntoDIB(argc > 1 ? argv[1] : "page.tif", 0, FALSE);
     const BITMAPINFOHEADER *header = dib ? (const BITMAPINFOHEADER *)GlobalLock(dib) : NULL;
     if (header == NULL)
         return fprintf(stderr, "%s\n", TiffErrorString(message, TiffError())), 1;

@@ -31,7 +31,10 @@ static DWORD addPage(const char *path, DWORD page) {
 
 int main(int argc, char **argv) {
     char message[64];
-    if (argc == 2 && addPage(argv[1], 1) && addPage(argv[1], 2)) {
+    if (argc != 2) {
+        return fprintf(stderr, "usage: save_page NEW.tif\n"), 2;
+    }
+    if (addPage(argv[1], 1) && addPage(argv[1], 2)) {
         return printf("%lu pages\n", GetNumberOfImagesInTiffFile(argv[1])) < 0;
     }
     return fprintf(stderr, "%s\n", TiffErrorString(message, TiffError())), 1;

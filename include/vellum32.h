@@ -34,7 +34,7 @@ extern "C" {
 /* Error numbers, as TiffError returns them. TiffErrorString gives their English messages. */
 #define VELLUM_OK 0                   /* the operation was successful */
 #define VELLUM_NO_MEMORY 1            /* not enough memory */
-#define VELLUM_BAD_OPEN_MODE 2        /* reserved: the open calls accept every mode */
+#define VELLUM_BAD_OPEN_MODE 2        /* a save could not open its file as a TIFF; the open calls accept every mode */
 #define VELLUM_INDEX_OUT_OF_RANGE 3   /* image or tag index out of range; from a LineFunc: stop with success */
 #define VELLUM_STRIP_OUT_OF_RANGE 4   /* strip index out of range */
 #define VELLUM_UNEXPECTED_END 5       /* the data ended before the image was complete */
@@ -66,7 +66,8 @@ extern "C" {
 /* NumberOfTiffImages: count all images, whatever their kind. */
 #define VELLUM_ALL_IMAGES 0x8000
 
-/* Compression keys of the raw decoders: the TIFF Compression value in the low word, its option in the high word. */
+/* Compression keys of the raw decoders and encoders: the TIFF Compression value in the low word, its option in the high
+ * word. */
 #define VELLUM_KEY_NONE 0x00001UL             /* uncompressed */
 #define VELLUM_KEY_MODIFIED_HUFFMAN 0x40002UL /* T.4 runs, every line starts on a byte; 2 means the same */
 #define VELLUM_KEY_GROUP3_1D 0x00003UL        /* T.4 one-dimensional */
@@ -111,6 +112,19 @@ typedef struct TiffFileInfo {
     DWORD imageCount;           /* number of images */
     DWORD firstDirectoryOffset; /* offset of image 0's directory from the start of the file */
 } TiffFileInfo;
+
+/* What the headers of an IOCA image segment tell (ReadIOCAHeader), and what the writers put into one. */
+typedef struct IocaHeader {
+    DWORD segmentName;         /* the Begin Segment name, first byte on top; 0 when there is none or it is too long */
+    WORD contentParameter;     /* first parameter byte of Begin Image Content */
+    WORD horizontalResolution; /* dots per ten inches */
+    WORD verticalResolution;   /* likewise */
+    WORD width;                /* pixels */
+    WORD height;               /* pixels */
+    WORD compression;          /* compression identifier of the Image Encoding Parameter; 1 is MMR */
+    WORD firstBlockLength;     /* bytes of the first data block */
+    DWORD firstBlockPosition;  /* where the first data block's FE lies in the file; 0 when there is none */
+} IocaHeader;
 
 #pragma pack(pop)
 
@@ -470,7 +484,7 @@ DWORD VELLUMAPI DecodeMMRImage(StreamHandle stream, DWORD offset, DWORD width, D
 
 /*
  * Loads an image into a packed DIB (header, colour table, bottom-up rows padded to 32 bits).
- *   showInfo  non-zero asks for the information dialog first
+ *   showInfo  accepted; shows nothing so far
  * Result: a block that the caller frees, or NULL. An image whose data end early comes back as far as it goes, its other
  * lines zero, with error 5, 19 or 20 pending; on full success the error is 0.
  * Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage.
@@ -492,7 +506,7 @@ DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG sh
 /*
  * The loaders' line functions: into a device-dependent bitmap (...Line, and ...Line24 for 24 bits per pixel) or into a
  * packed DIB (...LineDIB, ...Line24DIB). Those for 24 bits exchange red and blue in the line they are given.
- * Result: 0.
+ * Result: 0. They are handed to DecodeTiffImage cast to LineFunc, with the record's address as the user value.
  */
 DWORD VELLUMAPI DllFlushTiffLine(BYTE *line, DWORD row, LoadLineContext *context);
 DWORD VELLUMAPI DllFlushTiffLine24(BYTE *line, DWORD row, LoadLineContext *context);
@@ -503,8 +517,10 @@ DWORD VELLUMAPI DllFlushTiffLine24DIB(BYTE *line, DWORD row, LoadLineContext *co
 
 /*
  * A new image is written so: OpenTiffFile (T_CREAT, or T_APPEND to add to an existing file), DefineTiffImage,
- * DefineGeneralTags and any number of DefineTiffImageInfo calls, EncodeTiffImage, DropTiffImage, CloseTiffFile. Nothing
- * reaches the file before EncodeTiffImage.
+ * Compression (259) by DefineTiffImageInfo, DefineGeneralTags, any further tags (nobody else defines
+ * PhotometricInterpretation and the resolution), EncodeTiffImage, DropTiffImage, CloseTiffFile. Nothing reaches the
+ * file before EncodeTiffImage. One image for each time the file is opened: for the next page open it again with
+ * T_APPEND. A second image encoded on the same handle takes the first one's place in the file.
  */
 
 /*
@@ -533,7 +549,8 @@ LONG VELLUMAPI DefineTiffImageInfo(TiffHandle tiff, DWORD index, DWORD tag, DWOR
  * with 2, 3 or 4 the image becomes one strip, with 6 (JPEG) one tile; otherwise strips have about 8 KB.
  *   bitmap  width, height, planes and bits per pixel count
  * Result: 0, or 1 (a tag could not be defined), 10 (no width), 16 (planes times bits is not 1, 4, 8, 16 or 24). The
- * result is not stored as the library's error. Width and height above 65535 do not fit these tags.
+ * result is not stored as the library's error. Width and height above 65535 are cut to 16 bits without an error: define
+ * 256, 257 and 278 as LONG afterwards. 16 bits per pixel are described, but nothing encodes them.
  */
 DWORD VELLUMAPI DefineGeneralTags(TiffHandle tiff, DWORD index, BITMAP bitmap);
 
@@ -554,7 +571,7 @@ DWORD VELLUMAPI DefineGeneralTags(TiffHandle tiff, DWORD index, BITMAP bitmap);
  * Compression 6 loads the companion module DCTLIB32.DLL; without it a message box is shown, nothing is written and
  * success reported.
  * Result: 1 or 0; the error number is set either way, to 0 on success.
- * Errors: 1, 3, 6, 10, 11, 12 (CCITT lines of more than 4160 bytes), 15, 16, or what lineFunction returned.
+ * Errors: 1, 3, 6, 10, 11, 12 (CCITT lines of more than 4160 bytes), 14, 15, 16, or what lineFunction returned.
  */
 DWORD VELLUMAPI EncodeTiffImage(TiffHandle tiff, DWORD index, DWORD userValue, LineFunc lineFunction);
 
@@ -637,8 +654,8 @@ DWORD VELLUMAPI SaveDIBInTiffFormat(const char *fileName, HGLOBAL dib, LONG comp
 
 /*
  * As SaveDIBInTiffFileExt, for fax receivers: a bilevel image is always stored as white is zero, its pixels
- * complemented if its first colour is black. Other images are saved as SaveDIBInTiffFileExt does it. Writes debug
- * traces.
+ * complemented if its first colour is black. Other images are saved as SaveDIBInTiffFileExt does it. Writes traces
+ * for debuggers (OutputDebugString).
  */
 DWORD VELLUMAPI SaveDIBInGammaTiffFile(const char *fileName, HGLOBAL dib, LONG compressionCode, LONG showDialog,
                                        LONG fillOrder);
@@ -647,7 +664,8 @@ DWORD VELLUMAPI SaveDIBInGammaTiffFile(const char *fileName, HGLOBAL dib, LONG c
  * As SaveDIBInTiffFileExt, of a bitmap, which stays the caller's and must not be selected into a device context.
  * Bitmaps of other depths than 1, 4, 8 and 24 bits per pixel (the screen's 32, say) are saved with 24. Without the
  * dialog 1, 4 and 8 bits become palette images, or bilevel ones with the CCITT codes. The resolution is the screen's.
- * Result: 1 or 0. A code that is none gives 0 and sets no error; any other failure shows a message box.
+ * Result: 1 or 0. A code that is none gives 0 and sets no error; any other failure shows a message box, with or without
+ * the dialog. Errors: as SaveDIBInTiffFileExt.
  */
 DWORD VELLUMAPI SaveBitmapInTiffFileExt(const char *fileName, HBITMAP bitmap, LONG compressionCode, LONG showDialog,
                                         LONG fillOrder);
@@ -673,7 +691,7 @@ DWORD VELLUMAPI SaveBitmapInCcittFile(const char *fileName, HBITMAP bitmap, LONG
 /*
  * Defines XResolution and YResolution of a registered image; ResolutionUnit is left to the caller.
  *   dpi  horizontal in the high word, vertical in the low word: the other way round than GetTiffImageDPI has it
- * Result: 0, or the error number 10.
+ * Result: 0, or 10 (which is stored, too) when they cannot be defined, be it because the image is not registered.
  */
 DWORD VELLUMAPI SetTiffImageDPI(TiffHandle tiff, DWORD index, DWORD dpi);
 
@@ -687,7 +705,8 @@ INT_PTR VELLUMAPI DllTiffSaveDlg(HWND dialog, UINT message, WPARAM wParam, LPARA
  * The savers' fill functions, for EncodeTiffImage: line by line out of a packed DIB (...LineDIB; ...LineDIB24Bit with
  * red and blue exchanged; ...LineDIBforGamma complementing when asked to) or out of a device-dependent bitmap
  * (...TiffLine; ...MonoTiffLine complementing; ...LineBitmap24Bit with red and blue exchanged; DllFillCcittLine only
- * during SaveBitmapInCcittFile). A row outside the picture leaves the line as it is. Result: 0.
+ * during SaveBitmapInCcittFile). A row outside the picture leaves the line as it is. Result: 0. They are handed to
+ * EncodeTiffImage cast to LineFunc, with the record's address as the user value.
  */
 DWORD VELLUMAPI DllFillTiffLine(BYTE *line, DWORD row, SaveLineContext *context);
 DWORD VELLUMAPI DllFillMonoTiffLine(BYTE *line, DWORD row, SaveLineContext *context);
@@ -696,6 +715,95 @@ DWORD VELLUMAPI DllFillTiffLineDIBforGamma(BYTE *line, DWORD row, SaveLineContex
 DWORD VELLUMAPI DllFillTiffLineDIB24Bit(BYTE *line, DWORD row, SaveLineContext *context);
 DWORD VELLUMAPI DllFillTiffLineBitmap24Bit(BYTE *line, DWORD row, SaveLineContext *context);
 DWORD VELLUMAPI DllFillCcittLine(BYTE *line, DWORD row, CcittLineContext *context);
+
+/* ---------------------------------------------------------------- copying and editing files ------------------------
+ */
+
+/*
+ * Copies an image into another TIFF without decoding it: its strips (or, for JPEG, tiles and coding tables) byte for
+ * byte, its tags in ascending order. A new file is in Intel order, an existing one keeps its order.
+ *   source       an open TIFF and the index of its image
+ *   destination  an open TIFF that is being created or appended to
+ * Tags that lead to other directories (SubIFDs and the like) are left out.
+ * Result: 1 or 0. Errors: 1, 3, 4 (strip offsets and byte counts do not go together), 6, 7, 8, 10, 14. A source image
+ * that was not registered before is not so afterwards.
+ */
+DWORD VELLUMAPI CopyTiffImage(TiffHandle source, DWORD sourceIndex, TiffHandle destination);
+
+/* The same by file names; mode is that of OpenTiffFile for the destination. */
+DWORD VELLUMAPI CopyTiffImageInFile(const char *sourceName, DWORD sourceIndex, const char *destinationName, DWORD mode);
+
+/*
+ * Adds a tag to an image of a file on disk, in place of any that it had. The file is rebuilt in Intel order beside the
+ * old one, which it then replaces in one step; on failure the old one stays as it was. Handles that were open on the
+ * file are out of date afterwards.
+ *   index   of the image, from 0
+ *   values  in the machine's byte order
+ *   type    TIFF field type, as for DefineTiffImageInfoBuffer
+ *   count   number of values
+ * Result: 1 or 0; the error number is set either way. Errors: 1 (also a file that is no TIFF), 3, 4, 6, 7, 10, and 9
+ * for what would be lost or left useless: tags that lead to directories outside the chain, tag numbers above 65535,
+ * values of the types SSHORT, SRATIONAL, FLOAT and DOUBLE, another Compression for a JPEG image.
+ */
+DWORD VELLUMAPI AddTiffTagToImage(const char *fileName, LONG index, DWORD tag, DWORD type, const void *values,
+                                  DWORD count);
+
+/* Removes a tag from an image of a file on disk, in the same way. A tag that is not there is no error. */
+DWORD VELLUMAPI DeleteTiffTagOfImage(const char *fileName, LONG index, DWORD tag);
+
+/*
+ * Copies the coded strips of an image, without header or tags, to the end of an existing file.
+ *   target    the file. It is DELETED when the copy fails half-way, though it was there before
+ *   tiffPath  the TIFF, at most 149 characters
+ *   image     index of its image, from 0
+ *   offset    where to start, counted from the target's end: 0 appends, below 0 overwrites, above 0 leaves a gap
+ * Result: the target's path in a buffer of the library's that lasts until the next call, or NULL. Only the opening of
+ * the TIFF and of its image sets an error number.
+ */
+char *VELLUMAPI AppendCCITTImageFile(const char *target, const char *tiffPath, DWORD image, LONG offset);
+
+/* ---------------------------------------------------------------- IOCA and MO:DCA --------------------------------- */
+
+/*
+ * The framing of a bilevel image as an IOCA image segment, with or without a MO:DCA structured field before it. The
+ * caller opens the file; all calls work at its position. Between header and tail stands the stream of EncodeMMRImage.
+ *
+ * Readers. Result: 1 or 0, no error number. The position is then behind what was read. A file without any Begin Segment
+ * is closed by ReadIOCAHeader; ReadMODCAHeader looks for the MO:DCA field in 2048 bytes and closes nothing before.
+ */
+DWORD VELLUMAPI ReadIOCAHeader(HFILE file, IocaHeader *header);
+DWORD VELLUMAPI ReadMODCAHeader(HFILE file, IocaHeader *header);
+
+/* Writers. Resolutions, width and height of the header count, its other fields do not. Result: 1, or 0 with error 6. */
+DWORD VELLUMAPI WriteIOCAHeader(HFILE file, const IocaHeader *header);
+DWORD VELLUMAPI WriteMODCAHeader(HFILE file, const IocaHeader *header);
+
+/* Result: 1 or 0; no error number. */
+DWORD VELLUMAPI WriteIOCATail(HFILE file);
+
+/*
+ * Ends what WriteMODCAHeader began, and writes its length to the bytes 28 and 29 of the file: the caller has written 30
+ * bytes of structured fields of his own before WriteMODCAHeader, the last two of which are the length of the field that
+ * it begins. Result: 1, or 0 with error 6.
+ */
+DWORD VELLUMAPI WriteMODCATail(HFILE file);
+
+/* ---------------------------------------------------------------- annotations ------------------------------------- */
+
+/*
+ * Annotations of the companion module rmark32.dll, stored as bytes in a tag of image 0; the tag number 0 stands for
+ * 32768. Without the module both functions return 0 and touch nothing.
+ */
+
+/*
+ * Stores a set of annotations in the file of an open TIFF, which is changed on disk.
+ *   annotations  the module's set; one that is empty removes the tag
+ * Result: 1 when stored, else 0 (also for an empty set, and for a TIFF in memory). Errors: as AddTiffTagToImage.
+ */
+DWORD VELLUMAPI SaveAnnotationIntoTiff(TiffHandle tiff, DWORD annotations, DWORD tag);
+
+/* Result: the set that the module makes of the stored bytes, or 0. */
+DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
 
 #ifdef __cplusplus
 }

@@ -1,141 +1,18 @@
-// A directory in memory, in the form that it has in a file. Values that need more than 4 bytes go first, in ascending
-// order of tags, then the entries; nothing is padded, so a directory may begin at an odd offset.
+// Puts a directory behind what a stream holds, its values before it, and links it to the chain.
 #include "write/directory_writer.h"
 
-#include "core/image_directory.h"
+#include "core/directory_entries.h"
 #include "core/typed_transfer.h"
 #include "support/byte_order.h"
+#include "write/chain_end.h"
+#include "write/directory_layout.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace vellum {
 namespace {
 
-constexpr DWORD kEntryBytes = 12;
-constexpr DWORD kFieldBytes = 4;
-// Nothing can be found again behind this.
-constexpr DWORD kLastOffset = 0x7FFFFFFF;
-
-// Where a record of the directory lies, in the order of the file: by tag, and of equal tags the first one first.
-struct SortKey {
-    DWORD tagAndOrdinal;
-    DWORD position;
-
-    friend bool operator<(const SortKey &a, const SortKey &b) { return a.tagAndOrdinal < b.tagAndOrdinal; }
-};
-
-std::uint64_t valueBytes(const RecordHead &record) {
-    return std::uint64_t{record.count} * typeSize(record.type);
-}
-
-// Values that fit into the field stand there.
-Size outsideBytes(const RecordHead &record) {
-    const std::uint64_t bytes = valueBytes(record);
-    return bytes > kFieldBytes ? Size(bytes) : Size(0);
-}
-
-class DirectoryBytes {
-public:
-    DirectoryBytes(const ImageDirectory &directory, WORD byteOrder) : directory_(directory), byteOrder_(byteOrder) {}
-
-    // Lays the directory out for a place in the stream.
-    Error layOut(DWORD start) {
-        if (const Error error = sortRecords(); error != Error::None) {
-            return error;
-        }
-        const Size size = outside_ + Size(sizeof(WORD)) + Size(count_) * kEntryBytes + Size(sizeof(DWORD));
-        block_ = GlobalBlock::allocate(size);
-        const GlobalView<BYTE> bytes(block_.get(), 1);
-        const GlobalView<SortKey> keys(keys_.get(), 0);
-        if (!bytes || !keys) {
-            return Error::NoMemory;
-        }
-        bytes_ = size.fit().value_or(0);
-        directoryAt_ = outside_.fit().value_or(0);
-        if (bytes_ > kLastOffset - start) {
-            return Error::Io;
-        }
-        put(bytes.get() + directoryAt_, static_cast<WORD>(count_));
-        BYTE *values = bytes.get();
-        BYTE *entry = bytes.get() + directoryAt_ + sizeof(WORD);
-        for (DWORD i = 0; i < count_; ++i, entry += kEntryBytes) {
-            const auto record = directory_.at(keys.get()[i].position);
-            if (!record) {
-                return Error::NoMemory;
-            }
-            values = addEntry(entry, *record, values, start + static_cast<DWORD>(values - bytes.get()));
-        }
-        return Error::None;
-    }
-
-    [[nodiscard]] HGLOBAL block() const { return block_.get(); }
-    [[nodiscard]] DWORD bytes() const { return bytes_; }
-    // Of the directory behind its values.
-    [[nodiscard]] DWORD directoryAt() const { return directoryAt_; }
-
-private:
-    Error sortRecords() {
-        keys_ = GlobalBlock::allocate(Size(std::max<DWORD>(directory_.entryCount(), 1)) * sizeof(SortKey));
-        const GlobalView<SortKey> keys(keys_.get());
-        if (!keys) {
-            return Error::NoMemory;
-        }
-        for (auto record = directory_.first(); record; record = directory_.next(*record)) {
-            // What a record claims and does not have would be read from behind it.
-            if (valueBytes(record->head) > record->dataBytes) {
-                return Error::NoMemory;
-            }
-            keys.get()[count_++] = {DWORD{record->head.tag} << 16 | record->ordinal, record->position};
-            outside_ = outside_ + outsideBytes(record->head);
-        }
-        std::sort(keys.get(), keys.get() + count_);
-        return Error::None;
-    }
-
-    template <class Number>
-    void put(BYTE *to, Number number) const {
-        const Number stored = byteOrder_ == kMotorolaOrder ? swapped(number) : number;
-        std::memcpy(to, &stored, sizeof stored);
-    }
-
-    // Values in the file's order. A RATIONAL is two LONGs.
-    void putValues(BYTE *to, const TagRecord &record) const {
-        const auto bytes = static_cast<DWORD>(valueBytes(record.head));
-        std::memcpy(to, record.data, bytes);
-        if (byteOrder_ == kMotorolaOrder) {
-            const DWORD type = record.head.type == kRational ? kLong : DWORD{record.head.type};
-            swapValues(to, type, bytes / typeSize(type));
-        }
-    }
-
-    // Fills an entry; its values go into the field (what they do not use of it stays zero) or to the place outside.
-    // Result: where the next values outside go.
-    BYTE *addEntry(BYTE *entry, const TagRecord &record, BYTE *outside, DWORD outsideOffset) const {
-        put(entry, record.head.tag);
-        put(entry + 2, record.head.type);
-        put(entry + 4, record.head.count);
-        const std::uint64_t bytes = valueBytes(record.head);
-        if (bytes <= kFieldBytes) {
-            putValues(entry + 8, record);
-            return outside;
-        }
-        put(entry + 8, outsideOffset);
-        putValues(outside, record);
-        return outside + bytes;
-    }
-
-    const ImageDirectory &directory_;
-    WORD byteOrder_;
-    DWORD count_ = 0;
-    Size outside_ = 0; // bytes of the values outside
-    GlobalBlock keys_;
-    GlobalBlock block_;
-    DWORD bytes_ = 0;
-    DWORD directoryAt_ = 0;
-};
-
-Error writeAtEnd(StreamHandle stream, DirectoryBytes &directory, DWORD &directoryOffset) {
+Error writeAtEnd(StreamHandle stream, DirectoryLayout &directory, DWORD &directoryOffset) {
     const LONG end = seekStream(stream, 0, FILE_END);
     if (end < 0) {
         return Error::Io;
@@ -143,21 +20,35 @@ Error writeAtEnd(StreamHandle stream, DirectoryBytes &directory, DWORD &director
     if (const Error error = directory.layOut(static_cast<DWORD>(end)); error != Error::None) {
         return error;
     }
-    const GlobalView<BYTE> bytes(directory.block(), directory.bytes());
-    if (!bytes) {
-        return Error::NoMemory;
-    }
     directoryOffset = static_cast<DWORD>(end) + directory.directoryAt();
-    return writeValues(stream, kByte, directory.bytes(), bytes.get(), kIntelOrder, 0);
+    return directory.write(stream);
 }
 
-Error writeLink(TiffFileBlock &file, StreamHandle stream, DWORD directoryOffset) {
-    const auto position = static_cast<LONG>(file.lastLinkPos);
-    if (seekStream(stream, position, FILE_BEGIN) != position) {
-        return Error::Io;
+// Reads bytes at a position; false when they are not all there.
+bool readAt(StreamHandle stream, DWORD position, BYTE *bytes, DWORD count) {
+    const LONG size = sizeOfStream(stream);
+    if (size < 0 || position > static_cast<DWORD>(size) || count > static_cast<DWORD>(size) - position) {
+        return false;
     }
-    auto *bytes = reinterpret_cast<BYTE *>(&directoryOffset);
-    return writeValues(stream, kLong, 1, bytes, file.byteOrder, 0);
+    const auto place = static_cast<LONG>(position);
+    return seekStream(stream, place, FILE_BEGIN) == place && readBytes(stream, bytes, count);
+}
+
+// The link leads to an image that this handle wrote before, in whose place the next one comes.
+bool leadsToOwnImage(const TiffFileBlock &file, DWORD link) {
+    const auto writtenHere = [link](const TiffImageSlot &slot) { return slot.directoryOffset == link; };
+    return file.openFlags == OF_READWRITE && std::ranges::any_of(file.images, writtenHere);
+}
+
+bool leadsToDirectory(const TiffFileBlock &file, StreamHandle stream, DWORD link) {
+    const LONG size = sizeOfStream(stream);
+    EntryReader entries(stream, file.byteOrder);
+    if (size < 0 || link >= static_cast<DWORD>(size) || !entries.open(link) || entries.count() == 0) {
+        return false;
+    }
+    while (entries.next()) {
+    }
+    return entries.left() == 0;
 }
 
 } // namespace
@@ -172,6 +63,43 @@ bool chainIsFull(const TiffFileBlock &file, DWORD index) {
     return index != kLast && file.images[kLast].directoryOffset != 0;
 }
 
+DWORD scannedBytes(const ImageDirectory &directory) {
+    Size total = 0;
+    for (auto record = directory ? directory.first() : std::nullopt; record; record = directory.next(*record)) {
+        const DirectoryEntry entry{record->head.tag, record->head.type, record->head.count, {}, kIntelOrder};
+        total = total + Size(entry.recordLength());
+    }
+    return total.fit().value_or(0);
+}
+
+Error writeLink(StreamHandle stream, DWORD position, DWORD directoryOffset, WORD byteOrder) {
+    const auto place = static_cast<LONG>(position);
+    if (seekStream(stream, place, FILE_BEGIN) != place) {
+        return Error::Io;
+    }
+    auto *bytes = reinterpret_cast<BYTE *>(&directoryOffset);
+    return writeValues(stream, kLong, 1, bytes, byteOrder, 0);
+}
+
+Error checkChainEnd(const TiffFileBlock &file, StreamHandle stream) {
+    BYTE mark[2];
+    BYTE link[4];
+    if (!readAt(stream, 0, mark, sizeof mark) || !readAt(stream, file.lastLinkPos, link, sizeof link)) {
+        return Error::Io;
+    }
+    const auto order = load<WORD>(mark);
+    if ((order == kIntelOrder || order == kMotorolaOrder) && order != file.byteOrder) {
+        return Error::BadByteOrder;
+    }
+    // A file that was rebuilt since has its links elsewhere, and pixels where they were.
+    if (!isLinkOfChain(stream, file.byteOrder, kMaxImages, file.lastLinkPos)) {
+        return Error::Io;
+    }
+    const auto offset = load<DWORD>(link, file.byteOrder);
+    const bool free = offset == 0 || leadsToOwnImage(file, offset) || !leadsToDirectory(file, stream, offset);
+    return free ? Error::None : Error::Io;
+}
+
 Error writeDirectory(TiffHandle tiff, DWORD index, StreamHandle stream) {
     const ImageDirectory records(tiff, index);
     const TiffFileView file(tiff);
@@ -181,17 +109,22 @@ Error writeDirectory(TiffHandle tiff, DWORD index, StreamHandle stream) {
     if (chainIsFull(*file, index)) {
         return Error::IndexOutOfRange;
     }
+    if (const Error error = checkChainEnd(*file, stream); error != Error::None) {
+        return error;
+    }
     DWORD directoryOffset = 0;
     {
-        DirectoryBytes directory(records, file->byteOrder);
+        DirectoryLayout directory(records, file->byteOrder, Arrangement::ValuesFirst);
         if (const Error error = writeAtEnd(stream, directory, directoryOffset); error != Error::None) {
             return error;
         }
     }
-    if (const Error error = writeLink(*file, stream, directoryOffset); error != Error::None) {
+    if (const Error error = writeLink(stream, file->lastLinkPos, directoryOffset, file->byteOrder);
+        error != Error::None) {
         return error;
     }
     file->images[index].directoryOffset = directoryOffset;
+    file->images[index].directorySize = scannedBytes(records);
     // By design: the link position stays. An image encoded next on the same handle takes this one's place in the chain;
     // who wants a chain opens the file again for appending.
     file->openFlags = OF_READWRITE;

@@ -5,6 +5,7 @@
 #include "codec/image_parameters.h"
 #include "codec/jpeg_module.h"
 #include "core/open_file.h"
+#include "core/run_stream.h"
 #include "core/tiff_header.h"
 #include "core/typed_transfer.h"
 #include "write/directory_writer.h"
@@ -28,12 +29,35 @@ bool anotherImageIsDefined(TiffHandle tiff, DWORD index) {
     return isImageRegistered(tiff, index == 0 ? 1 : 0);
 }
 
-// Strips by RowsPerStrip; an image that has none stores every line as a strip of its own.
+DWORD stripsOf(const CodecState &state) {
+    const auto height = static_cast<DWORD>(state.image.biHeight);
+    return static_cast<DWORD>((std::uint64_t{height} + state.rowsPerStrip - 1) / state.rowsPerStrip);
+}
+
+// Strips by RowsPerStrip; an image that has none stores every line as a strip of its own. Tile tags are for JPEG alone:
+// other compressions store strips, whatever tags there are.
 Error readStripLayout(CodecState &state, const ImageTags &tags) {
     const auto height = static_cast<DWORD>(state.image.biHeight);
     const DWORD rows = tags.number(Tag::RowsPerStrip, 1);
     state.rowsPerStrip = rows != 0 ? std::min(rows, height) : height;
-    state.stripCount = static_cast<DWORD>((std::uint64_t{height} + state.rowsPerStrip - 1) / state.rowsPerStrip);
+    state.stripCount = stripsOf(state);
+    return Error::None;
+}
+
+// By design: the number of tiles is a 16-bit one, as the module takes it. Where that leaves nothing, and for an image
+// without tiles, the strips count.
+Error readTileLayout(JpegCodecState &jpeg, const ImageTags &tags) {
+    if (const Error error = readTiles(jpeg, tags); error != Error::None) {
+        return error;
+    }
+    CodecState &state = jpeg.codec;
+    if (!hasTag(tags.tiff, tags.index, Tag::TileWidth)) {
+        return readStripLayout(state, tags);
+    }
+    state.stripCount &= 0xFFFF;
+    if (state.stripCount == 0) {
+        state.stripCount = stripsOf(state);
+    }
     return Error::None;
 }
 
@@ -52,11 +76,9 @@ void readSubsampling(JpegCodecState &jpeg, const ImageTags &tags) {
 }
 
 Error readJpegLayout(JpegCodecState &jpeg, const ImageTags &tags) {
-    if (const Error error = readTiles(jpeg, tags); error != Error::None) {
+    if (const Error error = readTileLayout(jpeg, tags); error != Error::None) {
         return error;
     }
-    // By design: the number of tiles is a 16-bit one, as the module takes it.
-    jpeg.codec.stripCount &= 0xFFFF;
     readSubsampling(jpeg, tags);
     return jpeg.codec.image.biBitCount > 8 ? readReferenceBlackWhite(jpeg, tags) : Error::None;
 }
@@ -98,27 +120,40 @@ bool defineTiles(const EncodeRequest &request, const CodecState &state) {
 }
 
 // A line function may end the image before its last line: then the image has the lines that there are.
-bool shortenImage(const EncodeRequest &request, CodecState &state, bool complete) {
-    const DWORD lines = state.currentLine - 1;
-    if (complete || lines == 0) {
-        return true;
-    }
+bool shortenImage(const EncodeRequest &request, CodecState &state, DWORD lines) {
     state.stripCount = std::min(state.stripCount, (lines + state.rowsPerStrip - 1) / state.rowsPerStrip);
     return defineNumber(request.tiff, request.index, Tag::ImageLength, kLong, lines);
 }
 
-// Closes the strip tables and defines their tags.
-Error defineResults(const EncodeRequest &request, CodecState &state) {
+// Closes the strip tables, defines their tags and writes the directory.
+Error writeResults(const EncodeRequest &request, CodecState &state) {
     const bool jpeg = state.compressionKey == VELLUM_KEY_JPEG;
     const bool complete = jpeg || state.stripIndex >= state.stripCount;
+    const DWORD linesWhenCutShort = state.currentLine - 1;
+    if (!complete && linesWhenCutShort == 0) {
+        // There is no image to speak of.
+        return Error::None;
+    }
     finishStrips(state);
-    const bool defined =
-        shortenImage(request, state, complete) && (jpeg ? defineTiles(request, state) : defineStrips(request, state));
-    return defined ? Error::None : Error::NoMemory;
+    const bool defined = (complete || shortenImage(request, state, linesWhenCutShort)) &&
+                         (jpeg ? defineTiles(request, state) : defineStrips(request, state));
+    return defined ? writeDirectory(request.tiff, request.index, state.stream) : Error::NoMemory;
+}
+
+// An existing file is looked at before anything is written to it.
+Error checkExisting(TiffHandle tiff, StreamHandle stream) {
+    const TiffFileView file(tiff);
+    if (!file) {
+        return Error::NoMemory;
+    }
+    return (file->openFlags & OF_CREATE) != 0 ? Error::None : checkChainEnd(*file, stream);
 }
 
 Error writeImage(const EncodeRequest &request, CodecState &state, StreamHandle stream) {
     state.stream = stream;
+    if (const Error error = checkExisting(request.tiff, stream); error != Error::None) {
+        return error;
+    }
     if (const Error error = writeTiffHeader(request.tiff, stream, 0); error != Error::None) {
         return error;
     }
@@ -129,15 +164,20 @@ Error writeImage(const EncodeRequest &request, CodecState &state, StreamHandle s
     if (const Error error = encodeImageData(state); error != Error::None) {
         return error;
     }
-    if (const Error error = defineResults(request, state); error != Error::None) {
-        return error;
-    }
-    return writeDirectory(request.tiff, request.index, stream);
+    return writeResults(request, state);
+}
+
+StreamHandle openByItsFlags(const TiffFileBlock &file) {
+    return openForWriting(file, file.openFlags);
+}
+
+bool hasRoomForAnImage(TiffHandle tiff, DWORD index) {
+    const TiffFileView file(tiff);
+    return file && !chainIsFull(*file, index);
 }
 
 Error encodeTiffImage(const EncodeRequest &request) {
-    const TiffFileView file(request.tiff);
-    if (!file || anotherImageIsDefined(request.tiff, request.index) || chainIsFull(*file, request.index)) {
+    if (!hasRoomForAnImage(request.tiff, request.index) || anotherImageIsDefined(request.tiff, request.index)) {
         return Error::IndexOutOfRange;
     }
     JpegCodecState jpeg{};
@@ -150,13 +190,8 @@ Error encodeTiffImage(const EncodeRequest &request) {
         // By design: the user has been told, and no file is touched.
         return Error::None;
     }
-    const Stream stream(openForWriting(*file, file->openFlags));
-    if (!stream) {
-        return Error::Io;
-    }
-    const Error error = writeImage(request, state, stream.get());
-    storeBackMemoryTiff(*file, stream.get());
-    return error;
+    const RunStream stream(request.tiff, openByItsFlags, storeBackMemoryTiff);
+    return stream ? writeImage(request, state, stream.get()) : Error::Io;
 }
 
 } // namespace

@@ -15,6 +15,7 @@ namespace {
 
 constexpr DWORD kFirstCapacity = 100;
 constexpr DWORD kSpareBytes = 1;
+constexpr WORD kMostRecords = 0xFFFF; // their number is a 16-bit one
 
 // A directory that is being changed: the locked block, and the bytes of it that records may use.
 class EditedDirectory {
@@ -23,13 +24,14 @@ public:
 
     explicit operator bool() const { return static_cast<bool>(head_); }
 
-    // Removes every record of a tag, moving those behind it down.
-    void remove(WORD tag) {
+    // Removes every unwanted record, moving those behind it down.
+    template <class Unwanted>
+    void removeIf(Unwanted unwanted) {
         DWORD kept = 0;
         WORD count = 0;
         for (DWORD at = 0; at < used();) {
             const DWORD length = lengthAt(at);
-            if (load<RecordHead>(records() + at).tag != tag) {
+            if (!unwanted(load<RecordHead>(records() + at))) {
                 std::memmove(records() + kept, records() + at, length);
                 kept += length;
                 ++count;
@@ -39,6 +41,13 @@ public:
         head_->used = kept;
         head_->entryCount = count;
     }
+
+    void remove(WORD tag) {
+        removeIf([tag](const RecordHead &record) { return record.tag == tag; });
+    }
+
+    // Whether the number of records can grow.
+    [[nodiscard]] bool countsOneMore() const { return head_->entryCount < kMostRecords; }
 
     // Bytes that are free for records.
     [[nodiscard]] DWORD room() const { return capacity() - used(); }
@@ -111,6 +120,9 @@ bool define(TiffImageSlot &slot, WORD tag, const void *values, DWORD type, DWORD
             return false;
         }
         directory.remove(tag);
+        if (!directory.countsOneMore()) {
+            return false;
+        }
     }
     if (!makeRoom(slot, *length)) {
         return false;
@@ -120,6 +132,20 @@ bool define(TiffImageSlot &slot, WORD tag, const void *values, DWORD type, DWORD
         return false;
     }
     directory.append({*length, tag, static_cast<WORD>(type), count}, values);
+    return true;
+}
+
+template <class Unwanted>
+bool remove(TiffHandle tiff, DWORD index, Unwanted unwanted) {
+    if (!isImageRegistered(tiff, index)) {
+        return false;
+    }
+    const TiffFileView file(tiff);
+    EditedDirectory directory(file ? file->images[index].directory : nullptr);
+    if (!directory) {
+        return false;
+    }
+    directory.removeIf(unwanted);
     return true;
 }
 
@@ -163,6 +189,44 @@ bool defineTag(TiffHandle tiff, DWORD index, WORD tag, const void *values, DWORD
     return true;
 }
 
+bool removeTag(TiffHandle tiff, DWORD index, WORD tag) {
+    return remove(tiff, index, [tag](const RecordHead &record) { return record.tag == tag; });
+}
+
+bool removeRecords(TiffHandle tiff, DWORD index, bool (*unwanted)(const RecordHead &record)) {
+    return remove(tiff, index, unwanted);
+}
+
+bool copyDirectory(TiffHandle from, DWORD fromIndex, TiffHandle to, DWORD toIndex) {
+    if (!isImageRegistered(from, fromIndex) || !isImageRegistered(to, toIndex)) {
+        return false;
+    }
+    const TiffFileView source(from);
+    const TiffFileView target(to);
+    const GlobalView<BYTE> records(source ? source->images[fromIndex].directory : nullptr);
+    GlobalBlock block = GlobalBlock::allocate(records.bytes());
+    const GlobalView<BYTE> copy(block.get(), 1);
+    if (!records || !target || !copy) {
+        setError(Error::NoMemory);
+        return false;
+    }
+    std::memcpy(copy.get(), records.get(), records.bytes());
+    GlobalBlock(target->images[toIndex].directory).reset();
+    target->images[toIndex].directory = block.release();
+    return true;
+}
+
+void undefineImage(TiffHandle tiff, DWORD index) {
+    const TiffFileView file(tiff);
+    if (file && index < kMaxImages && (file->images[index].flags & kRegistered) != 0) {
+        TiffImageSlot &slot = file->images[index];
+        GlobalBlock(slot.directory).reset();
+        slot.directory = nullptr;
+        slot.flags = static_cast<WORD>(slot.flags & ~kRegistered);
+        --file->imageCount;
+    }
+}
+
 } // namespace vellum
 
 extern "C" {
@@ -173,13 +237,13 @@ LONG VELLUMAPI DefineTiffImage(TiffHandle tiff) {
 
 LONG VELLUMAPI DefineTiffImageInfoBuffer(TiffHandle tiff, DWORD index, DWORD tag, const void *values, DWORD type,
                                          DWORD count) {
-    return vellum::defineTag(tiff, index, static_cast<WORD>(tag), values, type, count) ? 1 : 0;
+    return vellum::defineTag(tiff, index, static_cast<WORD>(tag), values, static_cast<WORD>(type), count) ? 1 : 0;
 }
 
 LONG VELLUMAPI DefineTiffImageInfo(TiffHandle tiff, DWORD index, DWORD tag, DWORD type, DWORD value) {
     // Room for types wider than the one number that there is.
     const DWORD values[] = {value, 0};
-    return vellum::defineTag(tiff, index, static_cast<WORD>(tag), values, type, 1) ? 1 : 0;
+    return vellum::defineTag(tiff, index, static_cast<WORD>(tag), values, static_cast<WORD>(type), 1) ? 1 : 0;
 }
 
 } // extern "C"

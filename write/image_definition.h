@@ -1,6 +1,7 @@
 // Building a new image's directory in memory, tag by tag.
 #pragma once
 
+#include "core/image_directory.h"
 #include "core/image_info.h"
 
 namespace vellum {
@@ -16,5 +17,19 @@ bool defineTag(TiffHandle tiff, DWORD index, WORD tag, const void *values, DWORD
 inline bool defineNumber(TiffHandle tiff, DWORD index, Tag tag, DWORD type, DWORD value) {
     return defineTag(tiff, index, static_cast<WORD>(tag), &value, type, 1);
 }
+
+// Removes a tag from a registered image; one that it does not have is removed already. False when the image is not
+// registered.
+bool removeTag(TiffHandle tiff, DWORD index, WORD tag);
+
+// The same for all records that a caller does not want.
+bool removeRecords(TiffHandle tiff, DWORD index, bool (*unwanted)(const RecordHead &record));
+
+// Gives a registered image a copy of another registered image's directory in place of its own. False with error 1 when
+// there is no memory.
+bool copyDirectory(TiffHandle from, DWORD fromIndex, TiffHandle to, DWORD toIndex);
+
+// Takes the definition of an image back, as if it had never been.
+void undefineImage(TiffHandle tiff, DWORD index);
 
 } // namespace vellum

@@ -1,10 +1,8 @@
 // Images of whole bytes given to the byte-oriented encoders, and what these write.
 #pragma once
 
-#include "codec/buffers.h"
 #include "codec/byte_codecs.h"
-#include "core/stream.h"
-#include "support/global_memory.h"
+#include "encoder_run.h"
 #include "support/random_pictures.h"
 
 #include <algorithm>
@@ -15,7 +13,8 @@
 
 namespace vellum::test {
 
-using ByteCodec = Error (*)(CodecState &);
+using ByteCodec = Encoder;
+using ByteCode = Encoded;
 
 constexpr DWORD kCodeBufferBytes = 32767;
 
@@ -37,21 +36,6 @@ struct ByteImage {
             return static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(data.size(), line * lineBytes));
         };
         return {data.begin() + byteOf(first), data.begin() + byteOf(std::uint64_t{first} + count)};
-    }
-};
-
-// What an encoder left behind.
-struct ByteCode {
-    Error error = Error::None;
-    Bytes stream;               // with what was there before
-    std::vector<DWORD> offsets; // the strip tables
-    std::vector<DWORD> counts;
-    DWORD asked = 0;  // lines that the line function was asked for
-    DWORD closed = 0; // strips that were closed
-
-    [[nodiscard]] Bytes strip(std::size_t index) const {
-        const auto begin = stream.begin() + static_cast<std::ptrdiff_t>(offsets[index]);
-        return {begin, begin + static_cast<std::ptrdiff_t>(counts[index])};
     }
 };
 
@@ -89,44 +73,19 @@ inline CodecState byteState(StreamHandle stream, const ByteImage &image) {
     return state;
 }
 
-inline std::vector<DWORD> tableEntries(HGLOBAL table) {
-    const Bytes bytes = blockBytes(table);
-    std::vector<DWORD> entries(bytes.size() / sizeof(DWORD));
-    std::memcpy(entries.data(), bytes.data(), entries.size() * sizeof(DWORD));
-    return entries;
-}
-
 // Runs an encoder as the drivers do, with the closing flush; the stream stays the caller's.
 inline ByteCode encodeBytesTo(StreamHandle stream, const ByteImage &image, ByteCodec encoder) {
     ByteLines lines{&image};
     CodecState state = byteState(stream, image);
-    state.stripOffsets = makeBlock(Bytes(image.strips() * sizeof(DWORD)));
-    state.stripByteCounts = makeBlock(Bytes(image.strips() * sizeof(DWORD)));
     state.lineFunction = &ByteLines::give;
     state.userValue = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(&lines));
-    ByteCode code;
-    code.error = encoder(state);
-    if (code.error == Error::None && state.codeBuffer != nullptr) {
-        code.error = flushCodeBuffer(state);
-    }
-    code.offsets = tableEntries(state.stripOffsets);
-    code.counts = tableEntries(state.stripByteCounts);
+    ByteCode code = runEncoder(state, encoder);
     code.asked = lines.asked;
-    code.closed = state.stripIndex;
-    freeCodecBuffers(state);
     return code;
 }
 
 inline ByteCode encodeBytesOf(const ByteImage &image, ByteCodec encoder) {
-    const StreamHandle stream = openMemoryStream(makeBlock(image.before), static_cast<DWORD>(image.before.size()));
-    seekStream(stream, 0, FILE_END);
-    ByteCode code = encodeBytesTo(stream, image, encoder);
-    const HGLOBAL block = memoryStreamBlock(stream);
-    code.stream = blockBytes(block);
-    code.stream.resize(static_cast<std::size_t>(tellStream(stream)));
-    closeStream(stream);
-    GlobalFree(block);
-    return code;
+    return intoMemory(image.before, [&](StreamHandle stream) { return encodeBytesTo(stream, image, encoder); });
 }
 
 // Writes into a file whose n-th write fails, and gives what the encoder said of it.

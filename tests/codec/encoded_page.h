@@ -1,12 +1,10 @@
 // Pages given to the CCITT encoders, what they write, and what a naive writer says they should write.
 #pragma once
 
-#include "codec/buffers.h"
 #include "codec/ccitt_encode.h"
 #include "core/library_state.h"
-#include "core/stream.h"
+#include "encoder_run.h"
 #include "support/ccitt_writer.h"
-#include "support/global_memory.h"
 
 #include <algorithm>
 #include <cstring>
@@ -50,29 +48,7 @@ struct PageLines {
     }
 };
 
-// What an encoder left behind.
-struct Encoded {
-    Error error = Error::None;
-    Bytes stream;               // all of it, with what was there before
-    std::vector<DWORD> offsets; // the strip tables
-    std::vector<DWORD> counts;
-    DWORD asked = 0;  // lines that the line function was asked for
-    DWORD closed = 0; // strips that were closed
-
-    [[nodiscard]] Bytes strip(std::size_t index) const {
-        const auto begin = stream.begin() + static_cast<std::ptrdiff_t>(offsets[index]);
-        return {begin, begin + static_cast<std::ptrdiff_t>(counts[index])};
-    }
-    [[nodiscard]] std::vector<Bytes> strips() const {
-        std::vector<Bytes> all;
-        for (std::size_t i = 0; i < closed; ++i) {
-            all.push_back(strip(i));
-        }
-        return all;
-    }
-};
-
-using CcittEncoder = Error (*)(CodecState &);
+using CcittEncoder = Encoder;
 
 inline CcittEncoder ccittEncoderOf(DWORD key) {
     if (key == VELLUM_KEY_GROUP4) {
@@ -80,13 +56,6 @@ inline CcittEncoder ccittEncoderOf(DWORD key) {
     }
     return key == VELLUM_KEY_GROUP3_2D || key == VELLUM_KEY_GROUP3_2D_FILL ? vellum::encodeGroup3TwoDimensional
                                                                            : vellum::encodeOneDimensional;
-}
-
-inline std::vector<DWORD> entriesOf(HGLOBAL table) {
-    const Bytes bytes = blockBytes(table);
-    std::vector<DWORD> entries(bytes.size() / sizeof(DWORD));
-    std::memcpy(entries.data(), bytes.data(), entries.size() * sizeof(DWORD));
-    return entries;
 }
 
 // Runs an encoder over a page as the drivers do, with the closing flush; the stream stays the caller's.
@@ -102,33 +71,15 @@ inline Encoded encodeTo(StreamHandle stream, const EncodePage &page, CcittEncode
     state.fillOrder = page.fillOrder;
     state.stripCount = page.strips();
     state.rowsPerStrip = page.stripRows();
-    state.stripOffsets = makeBlock(Bytes(page.strips() * sizeof(DWORD)));
-    state.stripByteCounts = makeBlock(Bytes(page.strips() * sizeof(DWORD)));
     state.lineFunction = &PageLines::give;
     state.userValue = static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(&source));
-    Encoded encoded;
-    encoded.error = encoder(state);
-    if (encoded.error == Error::None && state.codeBuffer != nullptr) {
-        encoded.error = flushCodeBuffer(state);
-    }
-    encoded.offsets = entriesOf(state.stripOffsets);
-    encoded.counts = entriesOf(state.stripByteCounts);
+    Encoded encoded = runEncoder(state, encoder);
     encoded.asked = source.asked;
-    encoded.closed = state.stripIndex;
-    freeCodecBuffers(state);
     return encoded;
 }
 
 inline Encoded encodePage(const EncodePage &page, CcittEncoder encoder) {
-    const StreamHandle stream = openMemoryStream(makeBlock(page.before), static_cast<DWORD>(page.before.size()));
-    seekStream(stream, 0, FILE_END);
-    Encoded encoded = encodeTo(stream, page, encoder);
-    const HGLOBAL block = memoryStreamBlock(stream);
-    encoded.stream = blockBytes(block);
-    encoded.stream.resize(static_cast<std::size_t>(tellStream(stream)));
-    closeStream(stream);
-    GlobalFree(block);
-    return encoded;
+    return intoMemory(page.before, [&](StreamHandle stream) { return encodeTo(stream, page, encoder); });
 }
 inline Encoded encodePage(const EncodePage &page) {
     return encodePage(page, ccittEncoderOf(page.key));

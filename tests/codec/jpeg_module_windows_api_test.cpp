@@ -2,26 +2,13 @@
 #include "companion/noted.h"
 #include "support/decode_lines.h"
 #include "support/jpeg_tiff.h"
+#include "support/module_folder.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 using namespace vellum::test;
-
-// While it lives, modules are looked for in a folder beside the test program, too.
-class ModuleFolder {
-public:
-    explicit ModuleFolder(const char *name) {
-        char program[MAX_PATH] = {};
-        GetModuleFileNameA(nullptr, program, MAX_PATH);
-        const std::string path = program;
-        SetDllDirectoryA((path.substr(0, path.find_last_of('\\') + 1) + name).c_str());
-    }
-    ModuleFolder(const ModuleFolder &) = delete;
-    ModuleFolder &operator=(const ModuleFolder &) = delete;
-    ~ModuleFolder() { SetDllDirectoryA(nullptr); }
-};
 
 const NotedByCompanion *noted() {
     const HMODULE module = GetModuleHandleA(kCompanionName);
@@ -222,6 +209,25 @@ TEST(CompanionDll, WithoutItsEncoderTheMessageSaysSoAndNoFileAppears) {
     EXPECT_EQ(reader.count, 1);
     EXPECT_EQ(reader.text, "'JPEGEncoder' function is not found");
     EXPECT_FALSE(readFile(file.path()));
+}
+
+// Closing a TIFF unloads the module; a line function may do that while the module is at work.
+DWORD VELLUMAPI closeAnotherTiff(BYTE *line, DWORD lineIndex, DWORD userValue) {
+    if (lineIndex == 1) {
+        CloseTiffFile(reinterpret_cast<TiffHandle>(static_cast<UINT_PTR>(userValue)));
+    }
+    return countingLine(line, lineIndex, 0);
+}
+
+TEST(CompanionDll, StaysLoadedUnderACallInWhichATiffIsClosed) {
+    const ModuleFolder folder("companion");
+    const TempFile file;
+    const TempFile unused;
+    const TiffHandle tiff = newJpegTiff(file.path(), 4, 3);
+    const TiffHandle another = OpenTiffFile(unused.path(), T_CREAT);
+    EXPECT_EQ(EncodeTiffImage(tiff, 0, static_cast<DWORD>(reinterpret_cast<UINT_PTR>(another)), closeAnotherTiff), 1U);
+    EXPECT_EQ(noted(), nullptr) << "unloaded behind the call";
+    CloseTiffFile(tiff);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <map>
 #include <string>
 
 namespace vellum::shim {
@@ -27,8 +28,10 @@ struct State {
     Fault globalLock;    // GlobalLock
     Fault openFile;      // OpenFile, _lopen, _lcreat, CreateFileA
     Fault read;          // _lread, _hread, ReadFile
-    Fault write;         // _lwrite, _hwrite, WriteFile
+    Fault write;         // _lwrite, _hwrite, WriteFile, FlushFileBuffers
     Fault seek;          // _llseek
+    Fault move;          // MoveFileExA
+    Fault remove;        // DeleteFileA
 
     // What GetVersion answers; bit 31 is set on systems other than Windows NT.
     DWORD systemVersion = 0x0A280105;
@@ -39,11 +42,11 @@ struct State {
     UINT messageStyle = 0;
     int messageCount = 0;
 
-    // The module that LoadLibraryA finds under this name, and its one entry; without a name every load fails.
+    // The module that LoadLibraryA finds under this name, and its entries; without a name every load fails.
     std::string moduleName;
-    std::string moduleEntry;
-    FARPROC moduleFunction = nullptr;
-    int moduleLoads = 0; // loads less frees
+    std::map<std::string, FARPROC> moduleEntries;
+    HMODULE moduleHandle = nullptr; // null for the shim's own
+    int moduleLoads = 0;            // loads less frees
 
     // What the user does in the save dialog before pressing OK; null: presses Cancel.
     void (*inSaveDialog)() = nullptr;

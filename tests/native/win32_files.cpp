@@ -2,6 +2,7 @@
 // Backslashes in paths count as slashes. Sharing is not modelled; a directory does not open, as on Windows.
 #include "native/shim.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -37,7 +38,7 @@ int openBiased(LPCSTR path, int flags) {
     }
     const int fd = ::open(posixPath(path).c_str(), flags | O_CLOEXEC, 0666);
     if (fd < 0) {
-        state.lastError = ERROR_FILE_NOT_FOUND;
+        state.lastError = errno == EEXIST ? ERROR_FILE_EXISTS : ERROR_FILE_NOT_FOUND;
         return HFILE_ERROR;
     }
     struct stat64 status;
@@ -236,14 +237,29 @@ DWORD WINAPI GetFullPathNameA(LPCSTR path, DWORD length, LPSTR buffer, LPSTR *fi
     return static_cast<DWORD>(full.size());
 }
 
+BOOL WINAPI FlushFileBuffers(HANDLE file) {
+    return !state.write.hit() && descriptor(file) >= 0;
+}
+
 BOOL WINAPI DeleteFileA(LPCSTR path) {
-    return ::unlink(posixPath(path).c_str()) == 0;
+    return !state.remove.hit() && ::unlink(posixPath(path).c_str()) == 0;
 }
 
 BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to) {
     if (GetFileAttributesA(to) != INVALID_FILE_ATTRIBUTES) {
         state.lastError = ERROR_ACCESS_DENIED;
         return FALSE;
+    }
+    return std::rename(posixPath(from).c_str(), posixPath(to).c_str()) == 0;
+}
+
+BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags) {
+    if (state.move.hit()) {
+        state.lastError = ERROR_ACCESS_DENIED;
+        return FALSE;
+    }
+    if ((flags & MOVEFILE_REPLACE_EXISTING) == 0) {
+        return MoveFileA(from, to);
     }
     return std::rename(posixPath(from).c_str(), posixPath(to).c_str()) == 0;
 }

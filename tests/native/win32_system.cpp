@@ -17,6 +17,10 @@ namespace {
 char moduleObject;
 char dcObject;
 
+HMODULE moduleHandle() {
+    return state.moduleHandle != nullptr ? state.moduleHandle : reinterpret_cast<HMODULE>(&moduleObject);
+}
+
 std::string text(LPCSTR from) {
     return from == nullptr ? std::string() : std::string(from);
 }
@@ -34,15 +38,16 @@ HMODULE WINAPI LoadLibraryA(LPCSTR name) {
         return nullptr;
     }
     ++state.moduleLoads;
-    return reinterpret_cast<HMODULE>(&moduleObject);
+    return moduleHandle();
 }
 
 FARPROC WINAPI GetProcAddress(HMODULE, LPCSTR name) {
-    return state.moduleEntry == name ? state.moduleFunction : nullptr;
+    const auto found = state.moduleEntries.find(name);
+    return found != state.moduleEntries.end() ? found->second : nullptr;
 }
 
 BOOL WINAPI FreeLibrary(HMODULE module) {
-    if (module != reinterpret_cast<HMODULE>(&moduleObject)) {
+    if (module != moduleHandle()) {
         return FALSE;
     }
     --state.moduleLoads;

@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 namespace vellum::test {
 
@@ -14,10 +15,12 @@ enum class Call {
     Reallocate, // GlobalReAlloc
     Open,       // OpenFile, _lopen, _lcreat, CreateFileA
     Read,       // _lread
-    Write,      // _lwrite
+    Write,      // _lwrite, FlushFileBuffers
     Seek,       // _llseek
+    Move,       // MoveFileExA
+    Delete,     // DeleteFileA
 };
-constexpr int kCallKinds = 6;
+constexpr int kCallKinds = 8;
 
 // While it lives, the n-th call of its kind (from 0) fails, all others work. The test's own calls count too where the
 // library is linked into the test program.
@@ -55,10 +58,23 @@ public:
     [[nodiscard]] UINT style() const;
 };
 
-// While it lives, LoadLibraryA finds a module under this name with this one entry; no other module is found.
+// An entry of a module, by its name.
+struct ModuleEntry {
+    std::string name;
+    FARPROC function = nullptr;
+};
+template <class Function>
+ModuleEntry moduleEntry(const char *name, Function *function) {
+    return {name, reinterpret_cast<FARPROC>(reinterpret_cast<void *>(function))};
+}
+
+// While it lives, LoadLibraryA finds a module under this name with these entries; no other module is found.
 class CompanionModule {
 public:
-    CompanionModule(const char *name, const char *entry, FARPROC function);
+    // handle  what LoadLibraryA answers with; null for an address that is no other module's
+    CompanionModule(const char *name, std::vector<ModuleEntry> entries, HMODULE handle = nullptr);
+    CompanionModule(const char *name, const char *entry, FARPROC function)
+        : CompanionModule(name, {ModuleEntry{entry, function}}) {}
     CompanionModule(const CompanionModule &) = delete;
     CompanionModule &operator=(const CompanionModule &) = delete;
     ~CompanionModule();

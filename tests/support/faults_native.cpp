@@ -21,6 +21,10 @@ shim::Fault &faultOf(Call call) {
         return shim::state.write;
     case Call::Seek:
         return shim::state.seek;
+    case Call::Move:
+        return shim::state.move;
+    case Call::Delete:
+        return shim::state.remove;
     }
     return shim::state.globalAlloc;
 }
@@ -57,10 +61,13 @@ UINT MessageBoxes::style() const {
     return shim::state.messageStyle;
 }
 
-CompanionModule::CompanionModule(const char *name, const char *entry, FARPROC function) {
+CompanionModule::CompanionModule(const char *name, std::vector<ModuleEntry> entries, HMODULE handle) {
     shim::state.moduleName = name;
-    shim::state.moduleEntry = entry;
-    shim::state.moduleFunction = function;
+    shim::state.moduleEntries.clear();
+    for (const ModuleEntry &entry : entries) {
+        shim::state.moduleEntries[entry.name] = entry.function;
+    }
+    shim::state.moduleHandle = handle;
     shim::state.moduleLoads = 0;
 }
 CompanionModule::~CompanionModule() {

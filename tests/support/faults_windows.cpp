@@ -5,6 +5,7 @@
 #include "support/import_patch.h"
 
 #include <cstring>
+#include <utility>
 
 namespace vellum::test {
 namespace {
@@ -56,7 +57,10 @@ using CountedLopen = VELLUM_COUNTED(_lopen, Call::Open, HFILE_ERROR);
 using CountedCreateFile = VELLUM_COUNTED(CreateFileA, Call::Open, -1);
 using CountedLread = VELLUM_COUNTED(_lread, Call::Read, HFILE_ERROR);
 using CountedLwrite = VELLUM_COUNTED(_lwrite, Call::Write, HFILE_ERROR);
+using CountedFlush = VELLUM_COUNTED(FlushFileBuffers, Call::Write, FALSE);
 using CountedLlseek = VELLUM_COUNTED(_llseek, Call::Seek, HFILE_ERROR);
+using CountedMove = VELLUM_COUNTED(MoveFileExA, Call::Move, FALSE);
+using CountedDelete = VELLUM_COUNTED(DeleteFileA, Call::Delete, FALSE);
 
 } // namespace
 
@@ -79,9 +83,16 @@ FailNth::FailNth(Call call, long nth) : call_(call), nth_(nth) {
         break;
     case Call::Write:
         CountedLwrite::install("_lwrite");
+        CountedFlush::install("FlushFileBuffers");
         break;
     case Call::Seek:
         CountedLlseek::install("_llseek");
+        break;
+    case Call::Move:
+        CountedMove::install("MoveFileExA");
+        break;
+    case Call::Delete:
+        CountedDelete::install("DeleteFileA");
         break;
     }
 }
@@ -104,9 +115,16 @@ FailNth::~FailNth() {
         break;
     case Call::Write:
         CountedLwrite::patch.restore();
+        CountedFlush::patch.restore();
         break;
     case Call::Seek:
         CountedLlseek::patch.restore();
+        break;
+    case Call::Move:
+        CountedMove::patch.restore();
+        break;
+    case Call::Delete:
+        CountedDelete::patch.restore();
         break;
     }
 }
@@ -165,14 +183,14 @@ struct {
     ImportPatch find;
     ImportPatch free;
     std::string name;
-    std::string entry;
-    FARPROC function = nullptr;
+    std::vector<ModuleEntry> entries;
+    HMODULE handle = nullptr;
     int loads = 0;
 } companion;
 
-// The companion's module handle: any address that is no module's.
+// The companion's module handle: the one asked for, or any address that is no module's.
 HMODULE companionHandle() {
-    return reinterpret_cast<HMODULE>(&companion);
+    return companion.handle != nullptr ? companion.handle : reinterpret_cast<HMODULE>(&companion);
 }
 
 HMODULE WINAPI loadCompanion(LPCSTR name) {
@@ -186,7 +204,12 @@ HMODULE WINAPI loadCompanion(LPCSTR name) {
 
 FARPROC WINAPI findInCompanion(HMODULE module, LPCSTR name) {
     if (module == companionHandle()) {
-        return companion.entry == name ? companion.function : nullptr;
+        for (const ModuleEntry &entry : companion.entries) {
+            if (entry.name == name) {
+                return entry.function;
+            }
+        }
+        return nullptr;
     }
     return companion.find.original<decltype(GetProcAddress)>()(module, name);
 }
@@ -201,10 +224,10 @@ BOOL WINAPI freeCompanion(HMODULE module) {
 
 } // namespace
 
-CompanionModule::CompanionModule(const char *name, const char *entry, FARPROC function) {
+CompanionModule::CompanionModule(const char *name, std::vector<ModuleEntry> entries, HMODULE handle) {
     companion.name = name;
-    companion.entry = entry;
-    companion.function = function;
+    companion.entries = std::move(entries);
+    companion.handle = handle;
     companion.loads = 0;
     companion.load.replace("LoadLibraryA", &loadCompanion);
     companion.find.replace("GetProcAddress", &findInCompanion);

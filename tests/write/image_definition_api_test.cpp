@@ -261,6 +261,35 @@ TEST_F(GeneralTags, MakeOneTileOfAGreyJpeg) {
     EXPECT_EQ(storedTag(tiff_.get(), 0, 258), (StoredTag{{8, 0}, 3, 1}));
 }
 
+TEST_F(GeneralTags, GiveJpegEightBitsASampleWhateverTheDepth) {
+    DefineTiffImageInfo(tiff_.get(), 0, 259, 3, 6);
+    for (const WORD bits : std::initializer_list<WORD>{1, 4, 16}) {
+        EXPECT_EQ(define(640, 480, 1, bits), 0u);
+        EXPECT_EQ(storedTag(tiff_.get(), 0, 258), (StoredTag{{8, 0}, 3, 1}));
+    }
+    EXPECT_EQ(define(640, 480, 1, 32), DWORD{VELLUM_BAD_COLOR_FORMAT});
+}
+
+TEST_F(GeneralTags, SayOneWhenAJpegTagCannotBeDefined) {
+    DefineTiffImageInfo(tiff_.get(), 0, 259, 3, 6);
+    long failures = 0;
+    for (long nth = 0; nth < 40; ++nth) {
+        const FailNth noGrowth(Call::Reallocate, nth);
+        const DWORD result = define(640, 480, 1, 24);
+        EXPECT_EQ(result, noGrowth.happened() ? 1u : 0u);
+        failures += noGrowth.happened() ? 1 : 0;
+    }
+    EXPECT_GT(failures, 0);
+}
+
+TEST_F(GeneralTags, TakeAnyHeight) {
+    EXPECT_EQ(define(16, 0, 1, 1), 0u);
+    EXPECT_EQ(firstNumber(tiff_.get(), 0, 257), 0u);
+    EXPECT_EQ(firstNumber(tiff_.get(), 0, 278), 0u);
+    EXPECT_EQ(define(16, -1, 1, 1), 0u);
+    EXPECT_EQ(firstNumber(tiff_.get(), 0, 257), 0xFFFFu);
+}
+
 TEST_F(GeneralTags, SayOneWhenATagCannotBeDefined) {
     EXPECT_EQ(DefineGeneralTags(tiff_.get(), 5, bitmap(10, 10, 1, 1)), 1u);
     const BYTE filling[60] = {};

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace {
 
 using namespace vellum::test;
@@ -72,11 +75,19 @@ TEST(SaveDibFaults, AFileThatCannotBeWrittenIsAnIoError) {
     }
 }
 
-TEST(SaveDibFaults, AFileThatCannotBeReadIsError2) {
-    failEach(Call::Read, VELLUM_SAVE_LZW, [](DWORD result, DWORD error) {
+// The open call reads the chain, and the encoder looks at its end again.
+TEST(SaveDibFaults, AFileThatCannotBeReadIsError2WhileItIsOpenedAndAnIoErrorAfterwards) {
+    std::vector<DWORD> errors;
+    failEach(Call::Read, VELLUM_SAVE_LZW, [&errors](DWORD result, DWORD error) {
         EXPECT_EQ(result, 0U);
-        EXPECT_EQ(error, DWORD{VELLUM_BAD_OPEN_MODE});
+        errors.push_back(error);
     });
+    EXPECT_EQ(errors.front(), DWORD{VELLUM_BAD_OPEN_MODE});
+    EXPECT_EQ(errors.back(), DWORD{VELLUM_IO_ERROR});
+    EXPECT_TRUE(std::is_sorted(errors.begin(), errors.end()));
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), VELLUM_BAD_OPEN_MODE) +
+                  std::count(errors.begin(), errors.end(), VELLUM_IO_ERROR),
+              static_cast<std::ptrdiff_t>(errors.size()));
 }
 
 } // namespace
