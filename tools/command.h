@@ -31,6 +31,12 @@ struct Command {
 extern const Command infoCommand;
 extern const Command convertCommand;
 extern const Command checkCommand;
+extern const Command tagCommand;
+extern const Command copyCommand;
+extern const Command splitCommand;
+extern const Command mergeCommand;
+extern const Command iocaCommand;
+extern const Command faxAppendCommand;
 
 std::span<const Command *const> allCommands();
 const Command *findCommand(std::string_view name);

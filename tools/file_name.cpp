@@ -176,6 +176,14 @@ bool FileName::isMissing() const {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
+std::optional<unsigned long long> FileName::size() const {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (GetFileAttributesExW(forSystem().c_str(), GetFileExInfoStandard, &data) == 0) {
+        return std::nullopt;
+    }
+    return (ULONGLONG{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+}
+
 bool FileName::sameAs(const FileName &other) const {
     return lstrcmpiW(fullPath(system_).c_str(), fullPath(other.system_).c_str()) == 0;
 }

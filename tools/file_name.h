@@ -5,6 +5,7 @@
 // under its short name, if the file has one.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,8 @@ public:
     [[nodiscard]] bool exists() const;
     // True when the system says that there is nothing of this name.
     [[nodiscard]] bool isMissing() const;
+    // The file's bytes; nothing when it cannot be looked at.
+    [[nodiscard]] std::optional<unsigned long long> size() const;
     // True for the name of the same file, without looking at the disk.
     [[nodiscard]] bool sameAs(const FileName &other) const;
     // True when the name ends so, upper or lower case.

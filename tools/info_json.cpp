@@ -69,15 +69,6 @@ void writeTag(JsonWriter &json, const RegisteredPage &page, DWORD tag, Entry ent
     json.endObject();
 }
 
-void writeTags(JsonWriter &json, const RegisteredPage &page) {
-    std::set<DWORD> seen;
-    json.beginArray();
-    for (const DWORD tag : tagNumbers(page)) {
-        writeTag(json, page, tag, seen.insert(tag).second ? Entry::First : Entry::Repeated);
-    }
-    json.endArray();
-}
-
 void writeResolution(JsonWriter &json, const PageInfo &info) {
     json.key("resolution");
     if (!info.resolution) {
@@ -134,7 +125,7 @@ Status writePage(JsonWriter &json, const TiffDocument &document, DWORD index, co
         writePageMembers(json, PageInfo(page));
         if (options.tags) {
             json.key("tags");
-            writeTags(json, page);
+            writeTags(json, page, tagNumbers(page));
         }
     }
     json.endObject();
@@ -170,6 +161,15 @@ Status writeFile(JsonWriter &json, const FileName &name, const InfoOptions &opti
 }
 
 } // namespace
+
+void writeTags(JsonWriter &json, const RegisteredPage &page, std::span<const DWORD> tags) {
+    std::set<DWORD> seen;
+    json.beginArray();
+    for (const DWORD tag : tags) {
+        writeTag(json, page, tag, seen.insert(tag).second ? Entry::First : Entry::Repeated);
+    }
+    json.endArray();
+}
 
 Status printInfoJson(std::span<const FileName> names, const InfoOptions &options) {
     JsonWriter json;

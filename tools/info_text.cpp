@@ -22,25 +22,6 @@ std::string fileLine(const TiffDocument &document) {
     return line + "\n";
 }
 
-std::string tagList(const RegisteredPage &page, TagValues::Extent extent) {
-    using enum Table::Align;
-    Table table({{"", Right}, {"", Left}, {"", Left}, {"", Right}, {"", Left}});
-    std::set<DWORD> seen;
-    for (const DWORD tag : tagNumbers(page)) {
-        const std::string number = std::to_string(tag);
-        const std::string name(tagName(tag).empty() ? "-" : tagName(tag));
-        const auto values = readTag(page, tag);
-        if (!seen.insert(tag).second) {
-            table.add({number, name, "", "", "(again; the first entry counts)"});
-        } else if (!values) {
-            table.add({number, name, "", "", "(not available)"});
-        } else {
-            table.add({number, name, typeName(values->type()), std::to_string(values->count()), values->shown(extent)});
-        }
-    }
-    return table.text(4);
-}
-
 Status printFile(const FileName &name, const InfoOptions &options) {
     const TiffDocument document(name);
     if (!document.isOpen()) {
@@ -70,7 +51,7 @@ Status printFile(const FileName &name, const InfoOptions &options) {
         pages.add({number, info.pixelsText(), info.bitsText(), info.photometricText(), info.compressionText(),
                    info.stripsText(), info.resolutionText(), offset});
         if (options.tags) {
-            lists += "\n  page " + number + "\n" + tagList(page, options.extent);
+            lists += "\n  page " + number + "\n" + tagList(page, tagNumbers(page), options.extent);
         }
     }
     Console &console = Console::get();
@@ -87,6 +68,25 @@ Status printFile(const FileName &name, const InfoOptions &options) {
 }
 
 } // namespace
+
+std::string tagList(const RegisteredPage &page, std::span<const DWORD> tags, TagValues::Extent extent) {
+    using enum Table::Align;
+    Table table({{"", Right}, {"", Left}, {"", Left}, {"", Right}, {"", Left}});
+    std::set<DWORD> seen;
+    for (const DWORD tag : tags) {
+        const std::string number = std::to_string(tag);
+        const std::string name(tagName(tag).empty() ? "-" : tagName(tag));
+        const auto values = readTag(page, tag);
+        if (!seen.insert(tag).second) {
+            table.add({number, name, "", "", "(again; the first entry counts)"});
+        } else if (!values) {
+            table.add({number, name, "", "", "(not available)"});
+        } else {
+            table.add({number, name, typeName(values->type()), std::to_string(values->count()), values->shown(extent)});
+        }
+    }
+    return table.text(4);
+}
 
 Status printInfoText(std::span<const FileName> names, const InfoOptions &options) {
     Status status = Status::Ok;

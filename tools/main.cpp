@@ -41,7 +41,7 @@ std::string shortHelp() {
 }
 
 std::string longHelp() {
-    return "vellum - look into, convert and check TIFF files\n\n" + shortHelp() + R"(
+    return "vellum - look into, convert, copy, edit and check TIFF files\n\n" + shortHelp() + R"(
 Options:
   -h, --help     show this help
       --version  show the version of the library

@@ -27,8 +27,10 @@ constexpr DWORD kCompression = 259;
 constexpr DWORD kPhotometric = 262;
 constexpr DWORD kFillOrder = 266;
 constexpr DWORD kImageDescription = 270;
+constexpr DWORD kStripOffsets = 273;
 constexpr DWORD kSamplesPerPixel = 277;
 constexpr DWORD kRowsPerStrip = 278;
+constexpr DWORD kStripByteCounts = 279;
 constexpr DWORD kXResolution = 282;
 constexpr DWORD kYResolution = 283;
 constexpr DWORD kT4Options = 292;
@@ -39,6 +41,9 @@ constexpr DWORD kPredictor = 317;
 constexpr DWORD kColorMap = 320;
 constexpr DWORD kTileWidth = 322;
 constexpr DWORD kTileLength = 323;
+constexpr DWORD kTileOffsets = 324;
+constexpr DWORD kTileByteCounts = 325;
+constexpr DWORD kJpegInterchange = 513;
 
 } // namespace tag
 

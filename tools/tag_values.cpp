@@ -130,6 +130,11 @@ std::string TagValues::shownText(Extent extent) const {
     return "\"" + escaped(utf8) + "\"" + (abbreviated ? "..." : "");
 }
 
+bool keepsWholeValues(DWORD type) {
+    return type >= static_cast<DWORD>(Type::Byte) && type <= static_cast<DWORD>(Type::SLong) &&
+           type != static_cast<DWORD>(Type::SShort);
+}
+
 std::vector<DWORD> tagNumbers(const RegisteredPage &page) {
     HGLOBAL block = nullptr;
     DWORD count = 0;

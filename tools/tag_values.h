@@ -47,6 +47,9 @@ private:
     std::string bytes_; // at least count_ values, in the machine's byte order
 };
 
+// Whether the library holds values of a type whole: of types beyond RATIONAL it knows those of one byte, and SLONG.
+[[nodiscard]] bool keepsWholeValues(DWORD type);
+
 // Tag numbers of a page in the order of its directory, a tag that occurs twice being named twice.
 std::vector<DWORD> tagNumbers(const RegisteredPage &page);
 

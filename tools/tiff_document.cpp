@@ -128,14 +128,6 @@ std::string TiffDocument::openMessage() const {
     return message;
 }
 
-std::optional<ULONGLONG> TiffDocument::fileSize() const {
-    WIN32_FILE_ATTRIBUTE_DATA data;
-    if (GetFileAttributesExW(name_.forSystem().c_str(), GetFileExInfoStandard, &data) == 0) {
-        return std::nullopt;
-    }
-    return (ULONGLONG{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
-}
-
 std::string TiffDocument::chainMessage() const {
     const std::string last = std::to_string(pageCount());
     switch (chain_.end) {

@@ -46,7 +46,7 @@ public:
     [[nodiscard]] DWORD libraryPageCount() const { return info_.imageCount; }
     [[nodiscard]] DWORD pageCount() const { return static_cast<DWORD>(chain_.directoryOffsets.size()); }
     [[nodiscard]] WORD byteOrder() const { return info_.byteOrder; }
-    [[nodiscard]] std::optional<ULONGLONG> fileSize() const;
+    [[nodiscard]] std::optional<ULONGLONG> fileSize() const { return name_.size(); }
     [[nodiscard]] const Chain &chain() const { return chain_; }
     // What is wrong with the chain, in words; empty when it is complete.
     [[nodiscard]] std::string chainMessage() const;

@@ -1,6 +1,7 @@
 // New files and files that are added to.
 #include "tools/tiff_output.h"
 
+#include "tools/library_file.h"
 #include "tools/output_file.h"
 #include "tools/tiff_document.h"
 #include "tools/tiff_page_writer.h"
@@ -14,49 +15,18 @@ namespace {
 
 constexpr DWORD kMostPages = 1000; // the library reads no more
 
-// The folder for temporary files is the way out for names that the library does not take.
-class TemporaryFile {
-public:
-    TemporaryFile() : name_(make()) {}
-    TemporaryFile(const TemporaryFile &) = delete;
-    TemporaryFile &operator=(const TemporaryFile &) = delete;
-    ~TemporaryFile() { DeleteFileW(name_.forSystem().c_str()); }
-
-    [[nodiscard]] const FileName &name() const { return name_; }
-
-private:
-    static FileName make() {
-        std::array<wchar_t, MAX_PATH + 1> folder{};
-        std::array<wchar_t, MAX_PATH + 1> path{};
-        GetTempPathW(static_cast<DWORD>(folder.size()), folder.data());
-        GetTempFileNameW(folder.data(), L"vlm", 0, path.data());
-        return FileName(toUtf8(path.data()));
-    }
-
-    FileName name_;
-};
-
+// A new file, or one that goes on where the old one of the name ends.
 class NewTiff final : public TiffOutput {
 public:
-    explicit NewTiff(const FileName &name) : TiffOutput(0), file_(name) {
-        const FileName &beside = file_.handOver();
-        if (!file_.failure().empty()) {
-            fail(file_.failure());
-        } else if (beside.isForLibrary()) {
-            libraryPath_ = beside.forLibrary();
-        } else {
-            elsewhere_ = std::make_unique<TemporaryFile>();
-            libraryPath_ = elsewhere_->name().forLibrary();
-            if (libraryPath_.empty() || !elsewhere_->name().isForLibrary()) {
-                fail("cannot be written: there is no folder for temporary files.");
-            }
-        }
+    NewTiff(const FileName &name, LibraryFile::Start start, DWORD pageCount)
+        : TiffOutput(pageCount), file_(name, start) {
+        libraryPath_ = file_.libraryPath();
+        fail(file_.failure());
     }
 
+    void refuse(std::string reason) { fail("no page can be added: " + std::move(reason)); }
+
     bool commit() override {
-        if (failure().empty() && elsewhere_ != nullptr) {
-            copyBeside();
-        }
         if (failure().empty() && !file_.commit()) {
             fail(file_.failure());
         }
@@ -64,15 +34,7 @@ public:
     }
 
 private:
-    void copyBeside() {
-        const std::wstring from = elsewhere_->name().forSystem();
-        if (CopyFileW(from.c_str(), file_.handOver().forSystem().c_str(), FALSE) == 0) {
-            fail(writeFailure(GetLastError()));
-        }
-    }
-
-    OutputFile file_;
-    std::unique_ptr<TemporaryFile> elsewhere_;
+    LibraryFile file_;
 };
 
 // An existing file, opened for a moment: while the library works on it nobody else may have it open.
@@ -221,27 +183,54 @@ private:
 
 } // namespace
 
+TiffOutput::TiffOutput(DWORD pageCount) : pageCount_(pageCount) {}
+
+TiffOutput::~TiffOutput() = default;
+
 void TiffOutput::fail(std::string failure) {
     if (failure_.empty()) {
         failure_ = std::move(failure);
     }
 }
 
-bool TiffOutput::add(const Picture &picture, const TiffCoding &coding, const std::string &progressLabel) {
-    if (failure_.empty() && pageCount_ == kMostPages) {
+bool TiffOutput::hasRoom() {
+    if (pageCount_ == kMostPages) {
         fail("cannot be written: a file has at most " + std::to_string(kMostPages) + " pages.");
-    }
-    if (failure_.empty()) {
-        fail(writeTiffPage({libraryPath_, pageCount_, progressLabel}, picture, coding));
-    }
-    if (failure_.empty()) {
-        ++pageCount_;
     }
     return failure_.empty();
 }
 
+bool TiffOutput::count(std::string failure) {
+    fail(std::move(failure));
+    pageCount_ += failure_.empty() ? 1 : 0;
+    return failure_.empty();
+}
+
+bool TiffOutput::add(const Picture &picture, const TiffCoding &coding, const std::string &progressLabel) {
+    return hasRoom() && count(writeTiffPage({libraryPath_, pageCount_, progressLabel}, picture, coding));
+}
+
+bool TiffOutput::addCopy(const TiffDocument &document, DWORD index) {
+    if (copier_ == nullptr) {
+        copier_ = std::make_unique<PageCopier>(PageTarget{libraryPath_, pageCount_, {}});
+    }
+    return hasRoom() && count(copier_->copy(document, index));
+}
+
 std::unique_ptr<TiffOutput> newTiff(const FileName &name) {
-    return std::make_unique<NewTiff>(name);
+    return std::make_unique<NewTiff>(name, LibraryFile::Start::Empty, 0);
+}
+
+std::unique_ptr<TiffOutput> enlargedTiff(const FileName &name) {
+    if (name.isMissing()) {
+        return newTiff(name);
+    }
+    const TiffDocument old(name);
+    auto output = std::make_unique<NewTiff>(name, LibraryFile::Start::OldContent, old.pageCount());
+    if (std::string reason = old.isOpen() ? old.chainMessage() : old.openMessage(); !reason.empty()) {
+        output->refuse(std::move(reason));
+    }
+    return output;
 }
 
 std::unique_ptr<TiffOutput> appendedTiff(const FileName &name) {

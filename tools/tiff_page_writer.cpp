@@ -1,8 +1,6 @@
 // Defining and encoding a page.
 #include "tools/tiff_page_writer.h"
 
-#include "tools/tiff_document.h"
-
 #include <vector>
 
 namespace tool {
@@ -156,6 +154,28 @@ std::string writeTiffPage(const PageTarget &target, const Picture &picture, cons
     }
     return run.sourceError != VELLUM_OK ? "the page cannot be read: " + libraryMessage(run.sourceError)
                                         : failureText(error);
+}
+
+class PageCopier::OpenTarget : public tool::OpenTarget {
+    using tool::OpenTarget::OpenTarget;
+};
+
+PageCopier::PageCopier(PageTarget target)
+    : tiff_(std::make_unique<OpenTarget>(target)), pagesThere_(target.pagesThere) {}
+
+PageCopier::~PageCopier() = default;
+
+std::string PageCopier::copy(const TiffDocument &source, DWORD index) {
+    if (!tiff_->hasPages(pagesThere_)) {
+        return failureText(VELLUM_IO_ERROR);
+    }
+    SetTiffError(VELLUM_OK);
+    if (CopyTiffImage(source.handle(), index, tiff_->handle()) != 0) {
+        ++pagesThere_;
+        return {};
+    }
+    const DWORD error = TiffError();
+    return failureText(error != VELLUM_OK ? error : DWORD{VELLUM_IO_ERROR});
 }
 
 } // namespace tool

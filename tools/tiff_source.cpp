@@ -1,8 +1,9 @@
 // Decoding a page into memory, line by line, and collecting its tags.
 #include "tools/tiff_source.h"
 
+#include "tools/line_store.h"
+
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -43,59 +44,6 @@ constexpr DWORD kDescriptiveTags[] = {
     34675,             // ICC profile
 };
 
-// Lines in pieces of about a megabyte, so that memory is used for what is there and not for what a file promises.
-class LineStore {
-public:
-    explicit LineStore(std::size_t lineBytes)
-        : lineBytes_(lineBytes), linesPerPiece_(std::max<std::size_t>(kPieceBytes / lineBytes, 1)) {}
-
-    void add(const BYTE *line) {
-        if (count_ % linesPerPiece_ == 0) {
-            pieces_.emplace_back();
-            pieces_.back().reserve(pieces_.size() == 1 ? lineBytes_ : lineBytes_ * linesPerPiece_);
-        }
-        pieces_.back().insert(pieces_.back().end(), line, line + lineBytes_);
-        ++count_;
-    }
-
-    // A line that never came is zero.
-    void copy(DWORD index, BYTE *to) const {
-        if (index < count_) {
-            const std::vector<BYTE> &piece = pieces_[index / linesPerPiece_];
-            std::memcpy(to, piece.data() + index % linesPerPiece_ * lineBytes_, lineBytes_);
-        } else {
-            std::memset(to, 0, lineBytes_);
-        }
-    }
-
-    [[nodiscard]] DWORD count() const { return count_; }
-
-private:
-    static constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
-
-    std::size_t lineBytes_;
-    std::size_t linesPerPiece_;
-    std::vector<std::vector<BYTE>> pieces_;
-    DWORD count_ = 0;
-};
-
-struct DecodeRun {
-    LineStore &lines;
-    std::string progressLabel;
-    DWORD height;
-};
-
-DWORD VELLUMAPI storeLine(BYTE *line, DWORD index, DWORD userValue) {
-    DecodeRun &run = *reinterpret_cast<DecodeRun *>(DWORD_PTR{userValue});
-    try {
-        run.lines.add(line);
-        showLineProgress(run.progressLabel, "reading", index, run.height);
-    } catch (const std::exception &) {
-        return VELLUM_NO_MEMORY; // nothing may be thrown through the library
-    }
-    return VELLUM_OK;
-}
-
 // What a reader of a page without PhotometricInterpretation takes it for.
 DWORD photometricOf(const RegisteredPage &page, const Picture &picture) {
     const DWORD depth = picture.bitsPerPixel();
@@ -125,9 +73,8 @@ std::optional<TagValues> colorMapOf(const RegisteredPage &page, DWORD bitsPerPix
 
 // Types whose values the library keeps as a byte each have lost the rest of them, and half a pair means nothing.
 bool isWhole(const TagValues &values) {
-    const auto type = static_cast<Type>(values.type());
     const bool isPair = values.tag() == kPageNumber || values.tag() == kHalftoneHints;
-    return values.count() > (isPair ? 1U : 0U) && type >= Type::Byte && type <= Type::SLong && type != Type::SShort;
+    return values.count() > (isPair ? 1U : 0U) && keepsWholeValues(values.type());
 }
 
 void copyTag(const RegisteredPage &page, DWORD tag, Picture &picture) {
@@ -211,9 +158,8 @@ PageReading TiffSource::read(DWORD index) const {
         return reading;
     }
     const auto lines = std::make_shared<LineStore>(static_cast<std::size_t>(picture.lineBytes()));
-    DecodeRun run{*lines, progressLabel(index), picture.height};
-    const auto userValue = static_cast<DWORD>(reinterpret_cast<DWORD_PTR>(&run));
-    const bool decoded = DecodeTiffImage(page.handle(), page.index(), 0, 0, userValue, storeLine) != 0;
+    StoringRun run{*lines, progressLabel(index), picture.height};
+    const bool decoded = DecodeTiffImage(page.handle(), page.index(), 0, 0, run.userValue(), storeLine) != 0;
     const DWORD error = TiffError();
     if (!decoded && !(leavesAPart(error) && isWorthCompleting(picture, lines->count()))) {
         reading.failure = libraryMessage(error);

@@ -9,12 +9,21 @@
 namespace vellum::test {
 namespace {
 
+const std::vector<std::string> kCommands = {"info",  "convert", "check", "tag",       "copy",
+                                            "split", "merge",   "ioca",  "fax-append"};
+
 constexpr const char *kShortHelp = R"(Usage: vellum COMMAND [options] FILE...
 
 Commands:
-  info     tell what is in TIFF files
-  convert  turn pages into Windows bitmaps or TIFF files
-  check    decode every page and tell which ones are whole
+  info        tell what is in TIFF files
+  convert     turn pages into Windows bitmaps or TIFF files
+  check       decode every page and tell which ones are whole
+  tag         look at the tags of a page and change them
+  copy        copy pages into another TIFF
+  split       put every page into a file of its own
+  merge       put the pages of many TIFF files into one
+  ioca        wrap bilevel pages as IOCA images, and unwrap them
+  fax-append  add the code of a fax page to the end of a file
 
 'vellum COMMAND --help' tells more about a command.
 )";
@@ -31,7 +40,8 @@ TEST(CommandLine, HelpGoesToStandardOutputWithStatus0) {
     const Outcome outcome = folder.run({"--help"});
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0U);
-    EXPECT_EQ(outcome.out.rfind("vellum - look into, convert and check TIFF files\n", 0), 0U) << outcome.out;
+    EXPECT_EQ(outcome.out.rfind("vellum - look into, convert, copy, edit and check TIFF files\n", 0), 0U)
+        << outcome.out;
     EXPECT_NE(outcome.out.find(kShortHelp), std::string::npos) << outcome.out;
     EXPECT_NE(outcome.out.find("Exit status: 0"), std::string::npos) << outcome.out;
     EXPECT_EQ(folder.run({"-h"}).out, outcome.out);
@@ -40,7 +50,7 @@ TEST(CommandLine, HelpGoesToStandardOutputWithStatus0) {
 
 TEST(CommandLine, EveryCommandHasHelpOfItsOwn) {
     const WorkFolder folder;
-    for (const std::string command : {"info", "convert", "check"}) {
+    for (const std::string &command : kCommands) {
         const Outcome outcome = folder.run({command, "--help"});
         EXPECT_EQ(outcome.out.rfind("vellum " + command + " - ", 0), 0U) << outcome.out;
         EXPECT_NE(outcome.out.find("Usage: vellum " + command + " "), std::string::npos) << outcome.out;
@@ -54,7 +64,9 @@ TEST(CommandLine, EveryCommandHasHelpOfItsOwn) {
 
 TEST(CommandLine, HelpFitsInto80Columns) {
     const WorkFolder folder;
-    for (const std::string command : {"--help", "info", "convert", "check"}) {
+    std::vector<std::string> commands = kCommands;
+    commands.emplace_back("--help");
+    for (const std::string &command : commands) {
         std::string text = folder.run({command, "--help"}).out;
         ASSERT_FALSE(text.empty());
         while (!text.empty()) {
@@ -160,6 +172,61 @@ TEST(CommandLine, CodingsThatMakeNoSenseAreExplained) {
          "vellum convert: '--k' goes with '--compression g3-2d' only\nTry 'vellum convert --help'.\n"},
         {{"convert", "a.tif", "b.tif", "--k=4"},
          "vellum convert: '--k' goes with '--compression g3-2d' only\nTry 'vellum convert --help'.\n"},
+    };
+    expectMisuse(misuses);
+}
+
+TEST(CommandLine, MisuseOfTheCopyingCommandsIsExplained) {
+    const Misuse misuses[] = {
+        {{"copy", "a.tif"}, "vellum copy: one input file and one output file are needed\nTry 'vellum copy --help'.\n"},
+        {{"copy", "a.tif:2", "A.TIF"}, "vellum copy: the output would replace the input\nTry 'vellum copy --help'.\n"},
+        {{"copy", "a.tif:", "b.tif"},
+         "vellum copy: 'a.tif:' does not name pages like 1,3,5-8\nTry 'vellum copy --help'.\n"},
+        {{"copy", "a.tif:1,,2", "b.tif"},
+         "vellum copy: 'a.tif:1,,2' does not name pages like 1,3,5-8\nTry 'vellum copy --help'.\n"},
+        {{"copy", "a.tif:0", "b.tif"},
+         "vellum copy: 'a.tif:0' does not name pages like 1,3,5-8\nTry 'vellum copy --help'.\n"},
+        {{"copy", "a.tif:3-2", "b.tif"},
+         "vellum copy: 'a.tif:3-2' does not name pages like 1,3,5-8\nTry 'vellum copy --help'.\n"},
+        {{"copy", "a.tif:99999999999", "b.tif"},
+         "vellum copy: 'a.tif:99999999999' does not name pages like 1,3,5-8\nTry 'vellum copy --help'.\n"},
+        {{"copy", "a.tif", "b.tif", "--append", "--replace"},
+         "vellum copy: '--append' and '--replace' exclude each other\nTry 'vellum copy --help'.\n"},
+        {{"split"}, "vellum split: one input file and at most one prefix are needed\nTry 'vellum split --help'.\n"},
+        {{"split", "a", "b", "c"},
+         "vellum split: one input file and at most one prefix are needed\nTry 'vellum split --help'.\n"},
+        {{"merge", "a.tif"},
+         "vellum merge: one or more input files and one output file are needed\nTry 'vellum merge --help'.\n"},
+        {{"merge", "a.tif", "b.tif:1", "b.tif"},
+         "vellum merge: the output would replace the input\nTry 'vellum merge --help'.\n"},
+    };
+    expectMisuse(misuses);
+}
+
+TEST(CommandLine, MisuseOfTheFaxCommandsIsExplained) {
+    const Misuse misuses[] = {
+        {{"ioca"}, "vellum ioca: one of wrap, unwrap and info is needed\nTry 'vellum ioca --help'.\n"},
+        {{"ioca", "frob"},
+         "vellum ioca: one of wrap, unwrap and info is needed, not 'frob'\nTry 'vellum ioca --help'.\n"},
+        {{"ioca", "wrap", "a.tif"},
+         "vellum ioca: 'wrap' needs one input file and one output file\nTry 'vellum ioca --help'.\n"},
+        {{"ioca", "info", "a.img", "b.img"}, "vellum ioca: 'info' needs one file\nTry 'vellum ioca --help'.\n"},
+        {{"ioca", "unwrap", "a.img", "b.tif", "--modca"},
+         "vellum ioca: '--modca' goes with 'wrap' only\nTry 'vellum ioca --help'.\n"},
+        {{"ioca", "wrap", "a.tif:1-2", "a.img"},
+         "vellum ioca: 'a.tif:1-2' names more than one page\nTry 'vellum ioca --help'.\n"},
+        {{"ioca", "wrap", "a.tif:1", "a.tif"},
+         "vellum ioca: the output would replace the input\nTry 'vellum ioca --help'.\n"},
+        {{"ioca", "unwrap", "a.img", "a.img"},
+         "vellum ioca: the output would replace the input\nTry 'vellum ioca --help'.\n"},
+        {{"fax-append", "a.bin"},
+         "vellum fax-append: a target file and one input file are needed\nTry 'vellum fax-append --help'.\n"},
+        {{"fax-append", "a.bin", "a.tif", "--offset=1k"},
+         "vellum fax-append: option '--offset' wants a number of bytes, not '1k'\nTry 'vellum fax-append --help'.\n"},
+        {{"fax-append", "a.bin", "a.tif:1,2"},
+         "vellum fax-append: 'a.tif:1,2' names more than one page\nTry 'vellum fax-append --help'.\n"},
+        {{"fax-append", "a.tif", "a.tif"},
+         "vellum fax-append: the target is the input\nTry 'vellum fax-append --help'.\n"},
     };
     expectMisuse(misuses);
 }

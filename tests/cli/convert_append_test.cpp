@@ -1,5 +1,5 @@
 // vellum convert --append: pages added to a file in place, and the old file when that fails.
-#include "cli/small_tiffs.h"
+#include "cli/copied_files.h"
 #include "cli/vellum_process.h"
 
 #include <gtest/gtest.h>
@@ -10,15 +10,6 @@ namespace vellum::test {
 namespace {
 
 using Names = std::vector<std::string>;
-
-// Pages of 8 x 1 pixels, of one byte each.
-Bytes pagesOf(const Bytes &pixels, unsigned byteOrder = tiff::kII) {
-    tiff::Builder file(static_cast<std::uint16_t>(byteOrder));
-    for (const BYTE pixel : pixels) {
-        addPage(file, {pixel}, 1, 1);
-    }
-    return file.bytes();
-}
 
 // The byte of every page, by way of bitmaps.
 Bytes pixelsOf(const WorkFolder &folder, const std::string &name) {

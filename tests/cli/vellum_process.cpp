@@ -172,7 +172,17 @@ void WorkFolder::put(const std::string &name, const Bytes &content) const {
 }
 
 std::optional<Bytes> WorkFolder::get(const std::string &name) const {
-    return readFile(path(name));
+    const HANDLE file =
+        CreateFileW(wide(path(name)).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return std::nullopt;
+    }
+    Bytes content(GetFileSize(file, nullptr));
+    DWORD read = 0;
+    const bool done = ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &read, nullptr) != 0;
+    CloseHandle(file);
+    EXPECT_TRUE(done && read == content.size()) << "cannot read " << name;
+    return content;
 }
 
 void WorkFolder::makeFolder(const std::string &name) const {
