@@ -1,6 +1,6 @@
 // Writes TIFFs with the library for other readers to judge: a file for every compression, depth, fill order, layout and
 // width, and beside each an uncompressed one with the same pixels that this program put together itself; raw code
-// streams; and a file of a hundred pages saved one after the other.
+// streams; a file of a hundred pages saved one after the other; and copies and edited copies of such files.
 //   write_for_judges FOLDER
 // LIST in the folder names the pairs: file, reference.
 #include "support/encode_lines.h"
@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <utility>
 
 namespace {
 
@@ -161,10 +162,15 @@ public:
     void reference(const std::string &name, const tiff::Bytes &content) const {
         need(writeFile(file(name), content), name.c_str());
     }
-    void pair(const std::string &name, const std::string &reference) { list_ << name << ' ' << reference << '\n'; }
+    void pair(const std::string &name, const std::string &reference) {
+        list_ << name << ' ' << reference << '\n';
+        pairs_.emplace_back(name, reference);
+    }
+    [[nodiscard]] const std::vector<std::pair<std::string, std::string>> &pairs() const { return pairs_; }
 
 private:
     std::string path_;
+    std::vector<std::pair<std::string, std::string>> pairs_;
     std::ofstream list_;
 };
 
@@ -201,6 +207,32 @@ void writeHundredPages(Folder &folder) {
     }
     need(GetNumberOfImagesInTiffFile(path.c_str()) == 100, "reading the hundred pages");
     folder.pair("hundred.tif", "ref-hundred.tif");
+}
+
+// Images moved without decoding: copied into new files and, page by page, behind each other; files rebuilt with another
+// tag. Files of strips of 7 rows are in Motorola order.
+void writeMoved(Folder &folder) {
+    const auto pairs = folder.pairs();
+    for (const auto &[name, reference] : pairs) {
+        if (name.find("-rows7-fill1") == std::string::npos || name.starts_with("refused:")) {
+            continue;
+        }
+        const std::string copy = "copied-" + name;
+        need(CopyTiffImageInFile(folder.file(name).c_str(), 0, folder.file(copy).c_str(), T_CREAT) == 1, copy.c_str());
+        folder.pair(copy, reference);
+        const std::string edited = "edited-" + name;
+        folder.reference(edited, readFile(folder.file(name)).value_or(Bytes{}));
+        need(AddTiffTagToImage(folder.file(edited).c_str(), 0, 315, 2, "A. Clerk", 9) == 1, edited.c_str());
+        folder.pair(edited, reference);
+    }
+    const std::string hundred = folder.file("hundred.tif");
+    const std::string copied = folder.file("copied-hundred.tif");
+    for (DWORD page = 0; page < 100; ++page) {
+        need(CopyTiffImageInFile(hundred.c_str(), page, copied.c_str(), T_APPEND) == 1, copied.c_str());
+    }
+    need(AddTiffTagToImage(copied.c_str(), 50, 315, 2, "A. Clerk", 9) == 1, copied.c_str());
+    need(DeleteTiffTagOfImage(copied.c_str(), 99, 305) == 1, copied.c_str());
+    folder.pair("copied-hundred.tif", "ref-hundred.tif");
 }
 
 void writeRaw(Folder &folder) {
@@ -245,6 +277,7 @@ int main(int argc, char **argv) {
         }
     }
     writeHundredPages(folder);
+    writeMoved(folder);
     writeRaw(folder);
     return 0;
 }
