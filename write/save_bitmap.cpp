@@ -122,14 +122,22 @@ private:
     bool complement_ = false;
 };
 
-// Encodes a bitmap by the library's save state.
-Error writeBitmap(const char *fileName, HBITMAP bitmap) {
+// What a bitmap's depth makes of the photometric interpretation, unless the user says otherwise.
+DWORD photometricOfDepth(WORD bitsPerPixel) {
+    return coloursOfDepth(bitsPerPixel) <= kMostPaletteColours ? kPalette : kRgb;
+}
+
+// Encodes a bitmap by the library's save state, which was made for a bitmap of this depth.
+Error writeBitmap(const char *fileName, HBITMAP bitmap, WORD askedBitsPerPixel) {
     const auto described = describe(bitmap);
     if (!described) {
         return Error::BadColorFormat;
     }
     // The clipboard may hold another bitmap by now than the one that the user was asked about.
     library.save.colours = coloursOfDepth(described->bitsPerPixel);
+    if (described->bitsPerPixel != askedBitsPerPixel) {
+        library.save.photometric = photometricOfDepth(described->bitsPerPixel);
+    }
     const WaitCursor wait;
     const ReadableBitmap source(bitmap, *described);
     if (!source) {
@@ -161,7 +169,7 @@ Error writeBitmap(const char *fileName, HBITMAP bitmap) {
 // Makes the choice, by the dialog if that is asked for.
 bool choose(const char *fileName, const SavedPicture &picture, LONG code, bool showDialog, DWORD fillOrder) {
     const DWORD colours = coloursOfDepth(picture.bitsPerPixel);
-    chooseToSave(code, fillOrder, colours <= kMostPaletteColours ? kPalette : kRgb, colours);
+    chooseToSave(code, fillOrder, photometricOfDepth(picture.bitsPerPixel), colours);
     return !showDialog || askHowToSave(fileName, picture.bitmap());
 }
 
@@ -173,7 +181,9 @@ DWORD saveBitmap(const char *fileName, HBITMAP bitmap, LONG code, bool showDialo
     if (!picture) {
         return saved(Error::BadColorFormat);
     }
-    return choose(fileName, *picture, code, showDialog, fillOrder) ? saved(writeBitmap(fileName, bitmap)) : 0;
+    return choose(fileName, *picture, code, showDialog, fillOrder)
+               ? saved(writeBitmap(fileName, bitmap, picture->bitsPerPixel))
+               : 0;
 }
 
 // The clipboard's bitmap, which stays the clipboard's, while the clipboard is open. `problem` tells why there is none.
@@ -228,7 +238,8 @@ DWORD saveClipboard(const char *fileName, LONG code, bool showDialog) {
     // By design: whatever the dialog says. The programs that take these files over expect it.
     library.save.fillOrder = kClipboardFillOrder;
     Error error = Error::None;
-    if (!withClipboardBitmap([&error, fileName](HBITMAP bitmap) { error = writeBitmap(fileName, bitmap); })) {
+    const WORD asked = picture->bitsPerPixel;
+    if (!withClipboardBitmap([&](HBITMAP bitmap) { error = writeBitmap(fileName, bitmap, asked); })) {
         return 0;
     }
     return saved(error);

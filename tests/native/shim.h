@@ -60,6 +60,8 @@ struct State {
     long screenDcs = 0;   // device contexts
     HCURSOR cursor = nullptr;
 
+    std::string debugOutput; // of all OutputDebugString calls; a test clears it
+
     // Fresh blocks without GMEM_ZEROINIT are filled with this byte; two runs with different ones show bytes that were
     // never written.
     BYTE freshByte = 0xCD;

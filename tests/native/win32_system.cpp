@@ -104,7 +104,9 @@ DWORD WINAPI GetTickCount() {
     return static_cast<DWORD>(now.tv_sec) * 1000 + static_cast<DWORD>(now.tv_nsec / 1000000);
 }
 
-void WINAPI OutputDebugStringA(LPCSTR) {}
+void WINAPI OutputDebugStringA(LPCSTR message) {
+    state.debugOutput += text(message);
+}
 
 int WINAPI lstrlenA(LPCSTR string) {
     return string == nullptr ? 0 : static_cast<int>(std::strlen(string));

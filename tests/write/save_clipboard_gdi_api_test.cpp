@@ -151,6 +151,36 @@ TEST_F(SaveClipboard, WhileTheUserThinksTheClipboardIsFree) {
     EXPECT_EQ(pixelsOf(SavedTiff(file.path())), clipboardPixels()) << "what is there is saved";
 }
 
+TEST_F(SaveClipboard, ABitmapOfAnotherDepthThanTheUserWasAskedAboutIsSavedAsWhatItIs) {
+    put(screenBitmap(7, 5).release());
+    const TempFile file;
+    const DialogUser user([](HWND dialog) {
+        put(monochromeBitmap(41, 6).release());
+        press(dialog, 203);
+        type(dialog, 250, "");
+        press(dialog, IDOK);
+    });
+    ASSERT_EQ(SaveTiffFileFromClipboard(file.path(), 0, 1), 1U);
+    const SavedTiff saved(file.path());
+    EXPECT_EQ(saved.number(258), 1U);
+    EXPECT_EQ(saved.number(262), 3U) << "a palette image, as a bitmap of two colours is without any choice";
+    EXPECT_EQ(pixelsOf(saved), clipboardPixels());
+}
+
+TEST_F(SaveClipboard, MonochromeWasChosenForAnotherBitmap) {
+    put(monochromeBitmap(41, 6).release());
+    const TempFile file;
+    const DialogUser user([](HWND dialog) {
+        press(dialog, 260);
+        put(screenBitmap(7, 5).release());
+        press(dialog, 203);
+        type(dialog, 250, "");
+        press(dialog, IDOK);
+    });
+    ASSERT_EQ(SaveTiffFileFromClipboard(file.path(), 0, 1), 1U);
+    EXPECT_EQ(pixelsOf(SavedTiff(file.path())), clipboardPixels());
+}
+
 TEST_F(SaveClipboard, ABitmapThatIsGoneWhenTheUserIsReadyIsTold) {
     put(monochromeBitmap(41, 6).release());
     const MessageBoxes boxes;

@@ -108,7 +108,7 @@ TEST(SaveTags, ResolutionIsInDotsPerInch) {
         LONG x, y;
         DWORD xDpi, yDpi; // 0: the screen's
     };
-    constexpr Case kCases[] = {{11811, 7874, 300, 200}, {2835, 3780, 72, 96}, {0, 0, 0, 0},
+    constexpr Case kCases[] = {{11811, 7874, 300, 200}, {2835, 3780, 72, 96}, {7873, 2834, 199, 71}, {0, 0, 0, 0},
                                {7874, 0, 200, 0},       {0, 7874, 0, 200},    {-7874, -1, 0, 0}};
     for (const Case &c : kCases) {
         const TempFile file;
