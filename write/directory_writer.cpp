@@ -8,6 +8,8 @@
 #include "write/directory_layout.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 
 namespace vellum {
 namespace {
@@ -51,6 +53,39 @@ bool leadsToDirectory(const TiffFileBlock &file, StreamHandle stream, DWORD link
     return entries.left() == 0;
 }
 
+// Whether the last directory that the scan saw is still there, as long as it was and with the chain's last link behind
+// it: then there is no need to follow the chain.
+bool lastDirectoryIsInPlace(const TiffFileBlock &file, StreamHandle stream) {
+    const auto last = std::find_if(std::rbegin(file.images), std::rend(file.images),
+                                   [](const TiffImageSlot &slot) { return slot.directoryOffset != 0; });
+    EntryReader entries(stream, file.byteOrder);
+    if (last == std::rend(file.images) || !entries.open(last->directoryOffset)) {
+        return false;
+    }
+    std::uint64_t bytes = 0;
+    while (const auto entry = entries.next()) {
+        bytes += entry->recordLength();
+    }
+    return entries.left() == 0 && bytes == last->directorySize && tellStream(stream) >= 0 &&
+           static_cast<DWORD>(tellStream(stream)) == file.lastLinkPos;
+}
+
+// Cheap enough to be done twice.
+Error checkChainEnd(const TiffFileBlock &file, StreamHandle stream) {
+    BYTE mark[2];
+    BYTE link[4];
+    if (!readAt(stream, 0, mark, sizeof mark) || !readAt(stream, file.lastLinkPos, link, sizeof link)) {
+        return Error::Io;
+    }
+    const auto order = load<WORD>(mark);
+    if ((order == kIntelOrder || order == kMotorolaOrder) && order != file.byteOrder) {
+        return Error::BadByteOrder;
+    }
+    const auto offset = load<DWORD>(link, file.byteOrder);
+    const bool free = offset == 0 || leadsToOwnImage(file, offset) || !leadsToDirectory(file, stream, offset);
+    return free ? Error::None : Error::Io;
+}
+
 } // namespace
 
 StreamHandle openForWriting(const TiffFileBlock &file, DWORD flags) {
@@ -81,23 +116,14 @@ Error writeLink(StreamHandle stream, DWORD position, DWORD directoryOffset, WORD
     return writeValues(stream, kLong, 1, bytes, byteOrder, 0);
 }
 
-Error checkChainEnd(const TiffFileBlock &file, StreamHandle stream) {
-    BYTE mark[2];
-    BYTE link[4];
-    if (!readAt(stream, 0, mark, sizeof mark) || !readAt(stream, file.lastLinkPos, link, sizeof link)) {
-        return Error::Io;
-    }
-    const auto order = load<WORD>(mark);
-    if ((order == kIntelOrder || order == kMotorolaOrder) && order != file.byteOrder) {
-        return Error::BadByteOrder;
+Error checkChain(const TiffFileBlock &file, StreamHandle stream) {
+    if (const Error error = checkChainEnd(file, stream); error != Error::None) {
+        return error;
     }
     // A file that was rebuilt since has its links elsewhere, and pixels where they were.
-    if (!isLinkOfChain(stream, file.byteOrder, kMaxImages, file.lastLinkPos)) {
-        return Error::Io;
-    }
-    const auto offset = load<DWORD>(link, file.byteOrder);
-    const bool free = offset == 0 || leadsToOwnImage(file, offset) || !leadsToDirectory(file, stream, offset);
-    return free ? Error::None : Error::Io;
+    const bool inPlace =
+        lastDirectoryIsInPlace(file, stream) || isLinkOfChain(stream, file.byteOrder, kMaxImages, file.lastLinkPos);
+    return inPlace ? Error::None : Error::Io;
 }
 
 Error writeDirectory(TiffHandle tiff, DWORD index, StreamHandle stream) {
@@ -143,7 +169,11 @@ extern "C" DWORD VELLUMAPI WriteTiffImageDirectory(TiffHandle tiff, DWORD index)
     if (!stream) {
         return number(vellum::Error::Io);
     }
-    const vellum::Error error = vellum::writeDirectory(tiff, index, stream.get());
+    vellum::Error error =
+        vellum::chainIsFull(*file, index) ? vellum::Error::IndexOutOfRange : vellum::checkChain(*file, stream.get());
+    if (error == vellum::Error::None) {
+        error = vellum::writeDirectory(tiff, index, stream.get());
+    }
     vellum::storeBackMemoryTiff(*file, stream.get());
     return number(error);
 }

@@ -15,7 +15,7 @@ bool chainIsFull(const TiffFileBlock &file, DWORD index);
 // Whether the stream still ends its chain where the record has it, in the record's byte order: another program may have
 // added an image since the TIFF was opened, or replaced it. A link that leads to no directory counts as an end. Errors:
 // 6, 14.
-Error checkChainEnd(const TiffFileBlock &file, StreamHandle stream);
+Error checkChain(const TiffFileBlock &file, StreamHandle stream);
 
 // Writes the values that lie outside, the directory, and last of all the link to it, so that a failure leaves the chain
 // as it was. Afterwards the record appends instead of creating. Errors: 1,

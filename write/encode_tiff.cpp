@@ -146,7 +146,7 @@ Error checkExisting(TiffHandle tiff, StreamHandle stream) {
     if (!file) {
         return Error::NoMemory;
     }
-    return (file->openFlags & OF_CREATE) != 0 ? Error::None : checkChainEnd(*file, stream);
+    return (file->openFlags & OF_CREATE) != 0 ? Error::None : checkChain(*file, stream);
 }
 
 Error writeImage(const EncodeRequest &request, CodecState &state, StreamHandle stream) {
