@@ -36,12 +36,11 @@ DWORD stripsOf(const CodecState &state) {
 
 // Strips by RowsPerStrip; an image that has none stores every line as a strip of its own. Tile tags are for JPEG alone:
 // other compressions store strips, whatever tags there are.
-Error readStripLayout(CodecState &state, const ImageTags &tags) {
+void readStripLayout(CodecState &state, const ImageTags &tags) {
     const auto height = static_cast<DWORD>(state.image.biHeight);
     const DWORD rows = tags.number(Tag::RowsPerStrip, 1);
     state.rowsPerStrip = rows != 0 ? std::min(rows, height) : height;
     state.stripCount = stripsOf(state);
-    return Error::None;
 }
 
 // By design: the number of tiles is a 16-bit one, as the module takes it. Where that leaves nothing, and for an image
@@ -52,7 +51,8 @@ Error readTileLayout(JpegCodecState &jpeg, const ImageTags &tags) {
     }
     CodecState &state = jpeg.codec;
     if (!hasTag(tags.tiff, tags.index, Tag::TileWidth)) {
-        return readStripLayout(state, tags);
+        readStripLayout(state, tags);
+        return Error::None;
     }
     state.stripCount &= 0xFFFF;
     if (state.stripCount == 0) {
@@ -94,9 +94,12 @@ Error setUp(JpegCodecState &jpeg, const EncodeRequest &request) {
     if (const Error error = checkEncodable(state); error != Error::None) {
         return error;
     }
-    const Error error =
-        state.compressionKey == VELLUM_KEY_JPEG ? readJpegLayout(jpeg, tags) : readStripLayout(state, tags);
-    return error == Error::None ? allocateStripTables(state) : error;
+    if (state.compressionKey != VELLUM_KEY_JPEG) {
+        readStripLayout(state, tags);
+    } else if (const Error error = readJpegLayout(jpeg, tags); error != Error::None) {
+        return error;
+    }
+    return allocateStripTables(state);
 }
 
 bool defineTable(const EncodeRequest &request, Tag tag, HGLOBAL table, DWORD count) {

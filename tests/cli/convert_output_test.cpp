@@ -19,37 +19,45 @@ TEST(ConvertTiffOutput, ReplacesAnExistingFile) {
     EXPECT_EQ(folder.files(), (Names{"out.tif", "small.tif"}));
 }
 
-TEST(ConvertTiffOutput, TellsWhyItCannotBeWritten) {
+// What holds for outputs of both formats; the parameter is the extension.
+class ConvertOutput : public testing::TestWithParam<std::string> {
+protected:
+    static std::string named(const std::string &stem) { return stem + GetParam(); }
+};
+
+TEST_P(ConvertOutput, TellsWhyItCannotBeWritten) {
     const WorkFolder folder;
     folder.put("small.tif", smallPage());
-    const Outcome missing = folder.run({"convert", "small.tif", "nowhere/small.tif"});
+    const Outcome missing = folder.run({"convert", "small.tif", named("nowhere/small")});
     EXPECT_EQ(missing.out, "");
-    EXPECT_EQ(missing.err, "vellum: nowhere/small.tif: cannot be written: there is no such folder.\n");
+    EXPECT_EQ(missing.err, "vellum: " + named("nowhere/small") + ": cannot be written: there is no such folder.\n");
     EXPECT_EQ(missing.status, 1U);
 
-    folder.makeFolder("folder.tif");
-    const Outcome taken = folder.run({"convert", "small.tif", "folder.tif"});
+    folder.makeFolder(named("folder"));
+    const Outcome taken = folder.run({"convert", "small.tif", named("folder")});
     EXPECT_EQ(taken.out, "");
-    EXPECT_EQ(taken.err, "vellum: folder.tif: cannot be written: access is denied.\n");
+    EXPECT_EQ(taken.err, "vellum: " + named("folder") + ": cannot be written: access is denied.\n");
     EXPECT_EQ(taken.status, 1U);
     EXPECT_EQ(folder.files(), Names{"small.tif"});
 }
 
-TEST(ConvertTiffOutput, AnOldFileThatCannotBeReplacedStaysAsItWas) {
+TEST_P(ConvertOutput, AnOldFileThatIsInUseStaysAsItWas) {
     const WorkFolder folder;
     folder.put("small.tif", smallPage());
-    folder.put("used.tif", {1, 2, 3});
-    const HANDLE user =
-        CreateFileA(folder.path("used.tif").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    folder.put(named("used"), {1, 2, 3});
+    const HANDLE user = CreateFileA(folder.path(named("used")).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(user, INVALID_HANDLE_VALUE);
-    const Outcome outcome = folder.run({"convert", "small.tif", "used.tif"});
+    const Outcome outcome = folder.run({"convert", "small.tif", named("used")});
     CloseHandle(user);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err.rfind("vellum: used.tif: cannot be written: ", 0), 0U) << outcome.err;
+    EXPECT_EQ(outcome.err.rfind("vellum: " + named("used") + ": cannot be written: ", 0), 0U) << outcome.err;
     EXPECT_EQ(outcome.status, 1U);
-    EXPECT_EQ(folder.get("used.tif"), (Bytes{1, 2, 3}));
-    EXPECT_EQ(folder.files(), (Names{"small.tif", "used.tif"}));
+    EXPECT_EQ(folder.get(named("used")), (Bytes{1, 2, 3}));
+    EXPECT_EQ(folder.files(), (Names{"small.tif", named("used")}));
 }
+
+INSTANTIATE_TEST_SUITE_P(BothFormats, ConvertOutput, testing::Values(".bmp", ".tif"));
 
 // Under Wine the file system asks the user's rights, and these tests may run as one who has all: a read-only file does
 // as well as a read-only folder.

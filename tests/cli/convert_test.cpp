@@ -131,12 +131,8 @@ TEST(Convert, LeavesAnOldBitmapAloneWhenThePageCannotBeRead) {
 }
 
 TEST(Convert, AllGoesOnAfterAPageThatFails) {
-    tiff::Builder file;
-    addPage(file, {0x11}, 1, 1);
-    addPage(file, {0x22}, 1, 50000);
-    addPage(file, {0x33}, 1, 1);
     const WorkFolder folder;
-    folder.put("three.tif", file.bytes());
+    folder.put("three.tif", threePagesWithABadOne());
     const Outcome outcome = folder.run({"convert", "three.tif", "p.bmp", "--all"});
     EXPECT_EQ(outcome.out, "p-001.bmp: 8 x 1, 1 bit\np-003.bmp: 8 x 1, 1 bit\n");
     EXPECT_EQ(outcome.err, "vellum: three.tif: page 2: Image compression type is not known.\n");
@@ -169,37 +165,6 @@ TEST(Convert, JpegWithoutTheCompanionModuleIsRefusedWithoutAMessageBox) {
               "vellum: jpeg.tif: page 1: JPEG data need the companion module DCTLIB32.DLL, which is not there.\n");
     EXPECT_EQ(outcome.status, 1U);
     EXPECT_FALSE(folder.get("jpeg.bmp"));
-}
-
-TEST(Convert, TellsWhyABitmapCannotBeWritten) {
-    const WorkFolder folder;
-    folder.put("small.tif", smallPage());
-    const Outcome missing = folder.run({"convert", "small.tif", "nowhere/small.bmp"});
-    EXPECT_EQ(missing.out, "");
-    EXPECT_EQ(missing.err, "vellum: nowhere/small.bmp: cannot be written: there is no such folder.\n");
-    EXPECT_EQ(missing.status, 1U);
-
-    folder.makeFolder("folder.bmp");
-    const Outcome taken = folder.run({"convert", "small.tif", "folder.bmp"});
-    EXPECT_EQ(taken.err, "vellum: folder.bmp: cannot be written: access is denied.\n");
-    EXPECT_EQ(taken.status, 1U);
-    EXPECT_EQ(folder.files(), Names{"small.tif"});
-}
-
-TEST(Convert, ABitmapThatIsInUseStaysAsItWas) {
-    const WorkFolder folder;
-    folder.put("small.tif", smallPage());
-    folder.put("used.bmp", {1, 2, 3});
-    const HANDLE user =
-        CreateFileA(folder.path("used.bmp").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(user, INVALID_HANDLE_VALUE);
-    const Outcome outcome = folder.run({"convert", "small.tif", "used.bmp"});
-    CloseHandle(user);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err.rfind("vellum: used.bmp: cannot be written: ", 0), 0U) << outcome.err;
-    EXPECT_EQ(outcome.status, 1U);
-    EXPECT_EQ(folder.get("used.bmp"), (Bytes{1, 2, 3}));
-    EXPECT_EQ(folder.files(), (Names{"small.tif", "used.bmp"}));
 }
 
 TEST(Convert, TellsWhyTheInputCannotBeRead) {

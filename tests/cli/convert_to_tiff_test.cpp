@@ -105,12 +105,8 @@ TEST(ConvertAllToTiff, WritesOneFileAndTellsOfEveryPage) {
 }
 
 TEST(ConvertAllToTiff, LeavesOutPagesThatFail) {
-    tiff::Builder file;
-    addPage(file, {0x11}, 1, 1);
-    addPage(file, {0x22}, 1, 50000);
-    addPage(file, {0x33}, 1, 1);
     const WorkFolder folder;
-    folder.put("three.tif", file.bytes());
+    folder.put("three.tif", threePagesWithABadOne());
     const Outcome outcome = folder.run({"convert", "three.tif", "out.tif", "--all"});
     EXPECT_EQ(outcome.out, "out.tif: page 1: 8 x 1, 1 bit, g4\nout.tif: page 2: 8 x 1, 1 bit, g4\n");
     EXPECT_EQ(outcome.err, "vellum: three.tif: page 2: Image compression type is not known.\n");

@@ -22,4 +22,13 @@ inline void addPage(tiff::Builder &file, const tiff::Bytes &data, unsigned heigh
               {data});
 }
 
+// Three pages of one line, 0x11, 0x22 and 0x33; the second one has a compression that nobody knows.
+inline tiff::Bytes threePagesWithABadOne() {
+    tiff::Builder file;
+    addPage(file, {0x11}, 1, 1);
+    addPage(file, {0x22}, 1, 50000);
+    addPage(file, {0x33}, 1, 1);
+    return file.bytes();
+}
+
 } // namespace vellum::test
