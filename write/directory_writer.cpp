@@ -14,6 +14,8 @@
 namespace vellum {
 namespace {
 
+constexpr DWORD kEntryBytes = 12;
+
 Error writeAtEnd(StreamHandle stream, DirectoryLayout &directory, DWORD &directoryOffset) {
     const LONG end = seekStream(stream, 0, FILE_END);
     if (end < 0) {
@@ -36,10 +38,12 @@ bool readAt(StreamHandle stream, DWORD position, BYTE *bytes, DWORD count) {
     return seekStream(stream, place, FILE_BEGIN) == place && readBytes(stream, bytes, count);
 }
 
-// The link leads to an image that this handle wrote before, in whose place the next one comes.
-bool leadsToOwnImage(const TiffFileBlock &file, DWORD link) {
+// The link leads to an image that this handle wrote before, in whose place the next one comes, and to none behind it.
+bool leadsToOwnImage(const TiffFileBlock &file, StreamHandle stream, DWORD link) {
     const auto writtenHere = [link](const TiffImageSlot &slot) { return slot.directoryOffset == link; };
-    return file.openFlags == OF_READWRITE && std::ranges::any_of(file.images, writtenHere);
+    DWORD position = file.lastLinkPos;
+    return file.openFlags == OF_READWRITE && std::ranges::any_of(file.images, writtenHere) &&
+           findLastLink(stream, file.byteOrder, 1, position) == Error::None;
 }
 
 bool leadsToDirectory(const TiffFileBlock &file, StreamHandle stream, DWORD link) {
@@ -53,8 +57,23 @@ bool leadsToDirectory(const TiffFileBlock &file, StreamHandle stream, DWORD link
     return entries.left() == 0;
 }
 
-// Whether the last directory that the scan saw is still there, as long as it was and with the chain's last link behind
-// it: then there is no need to follow the chain.
+// Whether the link that led to an image of the table when the file was scanned still does.
+bool isStillLinked(const TiffFileBlock &file, StreamHandle stream, DWORD index) {
+    DWORD position = kFirstLinkPosition;
+    if (index > 0) {
+        EntryReader before(stream, file.byteOrder);
+        if (!before.open(file.images[index - 1].directoryOffset)) {
+            return false;
+        }
+        position = static_cast<DWORD>(tellStream(stream)) + before.count() * kEntryBytes;
+    }
+    BYTE link[4];
+    return readAt(stream, position, link, sizeof link) &&
+           load<DWORD>(link, file.byteOrder) == file.images[index].directoryOffset;
+}
+
+// Whether the last directory that the scan saw is still there and linked, as long as it was and with the chain's last
+// link behind it: then there is no need to follow the chain.
 bool lastDirectoryIsInPlace(const TiffFileBlock &file, StreamHandle stream) {
     const auto last = std::find_if(std::rbegin(file.images), std::rend(file.images),
                                    [](const TiffImageSlot &slot) { return slot.directoryOffset != 0; });
@@ -66,27 +85,22 @@ bool lastDirectoryIsInPlace(const TiffFileBlock &file, StreamHandle stream) {
     while (const auto entry = entries.next()) {
         bytes += entry->recordLength();
     }
-    return entries.left() == 0 && bytes == last->directorySize && tellStream(stream) >= 0 &&
-           static_cast<DWORD>(tellStream(stream)) == file.lastLinkPos;
-}
-
-// Cheap enough to be done twice.
-Error checkChainEnd(const TiffFileBlock &file, StreamHandle stream) {
-    BYTE mark[2];
-    BYTE link[4];
-    if (!readAt(stream, 0, mark, sizeof mark) || !readAt(stream, file.lastLinkPos, link, sizeof link)) {
-        return Error::Io;
-    }
-    const auto order = load<WORD>(mark);
-    if ((order == kIntelOrder || order == kMotorolaOrder) && order != file.byteOrder) {
-        return Error::BadByteOrder;
-    }
-    const auto offset = load<DWORD>(link, file.byteOrder);
-    const bool free = offset == 0 || leadsToOwnImage(file, offset) || !leadsToDirectory(file, stream, offset);
-    return free ? Error::None : Error::Io;
+    const auto index = static_cast<DWORD>(std::rend(file.images) - last - 1);
+    return entries.left() == 0 && bytes == last->directorySize &&
+           tellStream(stream) == static_cast<LONG>(file.lastLinkPos) && isStillLinked(file, stream, index);
 }
 
 } // namespace
+
+Error checkByteOrder(WORD byteOrder, StreamHandle stream) {
+    BYTE header[8];
+    if (!readAt(stream, 0, header, sizeof header)) {
+        return Error::Io;
+    }
+    const auto order = load<WORD>(header);
+    const bool another = (order == kIntelOrder || order == kMotorolaOrder) && order != byteOrder;
+    return another ? Error::BadByteOrder : Error::None;
+}
 
 StreamHandle openForWriting(const TiffFileBlock &file, DWORD flags) {
     return file.pathName[0] != '\0' ? openFileStream(file.pathName, flags)
@@ -117,8 +131,16 @@ Error writeLink(StreamHandle stream, DWORD position, DWORD directoryOffset, WORD
 }
 
 Error checkChain(const TiffFileBlock &file, StreamHandle stream) {
-    if (const Error error = checkChainEnd(file, stream); error != Error::None) {
+    if (const Error error = checkByteOrder(file.byteOrder, stream); error != Error::None) {
         return error;
+    }
+    BYTE link[4];
+    if (!readAt(stream, file.lastLinkPos, link, sizeof link)) {
+        return Error::Io;
+    }
+    const auto offset = load<DWORD>(link, file.byteOrder);
+    if (offset != 0 && !leadsToOwnImage(file, stream, offset) && leadsToDirectory(file, stream, offset)) {
+        return Error::Io;
     }
     // A file that was rebuilt since has its links elsewhere, and pixels where they were.
     const bool inPlace =
@@ -135,7 +157,7 @@ Error writeDirectory(TiffHandle tiff, DWORD index, StreamHandle stream) {
     if (chainIsFull(*file, index)) {
         return Error::IndexOutOfRange;
     }
-    if (const Error error = checkChainEnd(*file, stream); error != Error::None) {
+    if (const Error error = checkByteOrder(file->byteOrder, stream); error != Error::None) {
         return error;
     }
     DWORD directoryOffset = 0;

@@ -113,26 +113,16 @@ Error writeNewFile(CopiedImage &image, TiffHandle tiff, const TiffFileBlock &des
     return writeAndLink(image, stream.get(), kHeaderBytes, destination.lastLinkPos, destination.byteOrder);
 }
 
-// Whether the file is in the order that the handle has: a directory in any other could not be read.
-Error checkByteOrder(WORD byteOrder, StreamHandle stream) {
-    BYTE mark[sizeof(WORD)];
-    if (seekStream(stream, 0, FILE_BEGIN) != 0 || !readBytes(stream, mark, sizeof mark)) {
-        return Error::Io;
-    }
-    return load<WORD>(mark) == byteOrder ? Error::None : Error::BadByteOrder;
-}
-
 // The link that a copy is chained to. The chain may have grown since the file was opened, been moved, or not have been
 // readable to its end then, so it is followed from its start. A new TIFF in memory, which has no
 // flags, has nothing yet.
 Error findLink(const TiffFileBlock &destination, StreamHandle stream, DWORD &link) {
-    link = destination.lastLinkPos;
-    if (destination.openFlags == 0) {
-        return Error::None;
-    }
     link = kFirstLinkPosition;
     if (const Error error = checkByteOrder(destination.byteOrder, stream); error != Error::None) {
         return error;
+    }
+    if (destination.openFlags == 0) {
+        return Error::None;
     }
     return findLastLink(stream, destination.byteOrder, kMaxImages, link);
 }

@@ -79,6 +79,49 @@ TEST_F(StaleHandle, OfAnAppendIsFineAsLongAsNobodyElseWrites) {
     expectPages(3);
 }
 
+TEST_F(StaleHandle, DoesNotDropWhatOthersHaveChainedBehindItsImage) {
+    const WrittenTiff tiff(file_.path(), T_APPEND);
+    LineSource first = black();
+    LineSource others = black();
+    LineSource second = black();
+    EXPECT_EQ(tiff.add(page(), first), 1u);
+    EXPECT_EQ(WrittenTiff(file_.path(), T_APPEND).add(page(), others), 1u);
+    EXPECT_EQ(tiff.add(page(), second), 0u);
+    EXPECT_EQ(TiffError(), DWORD{VELLUM_IO_ERROR});
+    expectPages(4);
+}
+
+TEST_F(StaleHandle, DoesNotChainBehindAnImageThatWasReplaced) {
+    const WrittenTiff tiff(file_.path(), T_APPEND);
+    LineSource first = black();
+    LineSource second = black();
+    LineSource late = black();
+    EXPECT_EQ(tiff.add(page(), first), 1u);
+    const WrittenTiff early(file_.path(), T_APPEND);
+    EXPECT_EQ(tiff.add(page(), second), 1u) << "in the first one's place";
+    EXPECT_EQ(early.add(page(), late), 0u);
+    EXPECT_EQ(TiffError(), DWORD{VELLUM_IO_ERROR});
+    expectPages(3);
+}
+
+TEST(MemoryHeader, MayHaveAnyLinkThatLeadsNowhere) {
+    for (const BYTE filling : Bytes{0x00, 0x01, 0xFF}) {
+        const HGLOBAL block = makeBlock({'I', 'I', 42, 0, 8, 0, 0, 0});
+        const TiffHandle tiff = OpenTiffInMemory(block, 8, T_CREAT);
+        const LONG index = DefineTiffImage(tiff);
+        for (const TagValue &tag : page()) {
+            ASSERT_TRUE(define(tiff, index, tag));
+        }
+        LineSource source = black();
+        source.data.assign(4000, filling);
+        EXPECT_EQ(EncodeTiffImage(tiff, 0, source.userValue(), LineSource::supply), 1u) << TiffError();
+        const OpenedTiff written(blockBytes(GetMemoryTiffHandle(tiff)));
+        EXPECT_EQ(NumberOfTiffImages(written.get(), VELLUM_ALL_IMAGES), 1);
+        GlobalFree(GetMemoryTiffHandle(tiff));
+        CloseTiffFile(tiff);
+    }
+}
+
 TEST_F(StaleHandle, EditsRefuseNumbersThatAreNoTags) {
     const auto before = readFile(file_.path());
     EXPECT_EQ(AddTiffTagToImage(file_.path(), 0, 65536 + 256, 1, "abcde", 5), 0u);
