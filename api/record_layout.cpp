@@ -78,6 +78,10 @@ VELLUM_FIELD(LoadLineContext, height, 16);
 VELLUM_FIELD(LoadLineContext, lineBytes, 20);
 VELLUM_FIELD(LoadLineContext, strideOrUsage, 24);
 
+static_assert(sizeof(TiffInfoDlgParam) == 8);
+VELLUM_FIELD(TiffInfoDlgParam, tiff, 0);
+VELLUM_FIELD(TiffInfoDlgParam, index, 4);
+
 static_assert(sizeof(SaveLineContext) == 36);
 VELLUM_FIELD(SaveLineContext, dc, 0);
 VELLUM_FIELD(SaveLineContext, bitmap, 4);
