@@ -63,7 +63,20 @@ void LineSampler::sample(const BYTE *line, BYTE *to) const {
     }
 }
 
+// Most lines of a page are blank for the most part, many of them wholly.
+bool LineSampler::isBlank(const BYTE *line) const {
+    const Bits &one = bits_[0];
+    const Bits &other = bits_[count() - 1];
+    const DWORD first = std::min(one.firstByte, other.firstByte);
+    const DWORD last = std::max(one.lastByte, other.lastByte);
+    return line[first] == 0 && std::memcmp(line + first, line + first + 1, last - first) == 0;
+}
+
 void LineSampler::sampleBits(const BYTE *line, BYTE *to) const {
+    if (count() == 0 || isBlank(line)) {
+        std::memset(to, 0, (count() + 7) / 8);
+        return;
+    }
     unsigned collected = 0;
     for (std::size_t i = 0; i < count(); ++i) {
         const Bits &source = bits_[i];

@@ -32,6 +32,7 @@ private:
 
     static Bits bitsBetween(DWORD first, DWORD last);
     [[nodiscard]] std::size_t count() const { return static_cast<std::size_t>(samples_); }
+    [[nodiscard]] bool isBlank(const BYTE *line) const;
     void sampleBits(const BYTE *line, BYTE *to) const;
     void sampleNibbles(const BYTE *line, BYTE *to) const;
     template <DWORD bytesPerPixel>
