@@ -93,6 +93,18 @@ VELLUM_FIELD(LoadLineContext, height, 16);
 VELLUM_FIELD(LoadLineContext, lineBytes, 20);
 VELLUM_FIELD(LoadLineContext, strideOrUsage, 24);
 
+static_assert(sizeof(ScreenLineContext) == 40);
+VELLUM_FIELD(ScreenLineContext, dc, 0);
+VELLUM_FIELD(ScreenLineContext, bitmap, 4);
+VELLUM_FIELD(ScreenLineContext, hInfo, 8);
+VELLUM_FIELD(ScreenLineContext, reserved, 12);
+VELLUM_FIELD(ScreenLineContext, pixelCount, 16);
+VELLUM_FIELD(ScreenLineContext, bitmapBytes, 20);
+VELLUM_FIELD(ScreenLineContext, colorUsage, 24);
+VELLUM_FIELD(ScreenLineContext, header, 28);
+VELLUM_FIELD(ScreenLineContext, rasterOperation, 32);
+VELLUM_FIELD(ScreenLineContext, workBuffer, 36);
+
 static_assert(sizeof(SaveLineContext) == 36);
 VELLUM_FIELD(SaveLineContext, dc, 0);
 VELLUM_FIELD(SaveLineContext, bitmap, 4);

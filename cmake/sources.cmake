@@ -5,7 +5,12 @@ set(VELLUM_GDI_SOURCES
     display/bitmap_lines.cpp
     display/clipboard.cpp
     display/load_bitmap.cpp
+    display/paint_tiff.cpp
     display/palette.cpp
+    display/screen_band.cpp
+    display/screen_lines.cpp
+    display/screen_painter.cpp
+    display/screen_window.cpp
     write/fill_bitmap_lines.cpp
     write/save_bitmap.cpp
     write/save_dialog.cpp)

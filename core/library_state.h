@@ -41,6 +41,9 @@ struct CcittBitmapInfo {
     RGBQUAD colours[2] = {};
 };
 
+// display/screen_band.h
+class ScreenBand;
+
 struct LibraryState {
     // core/error.cpp: written by every call that fails.
     Error lastError = Error::None;
@@ -76,6 +79,10 @@ struct LibraryState {
     // write/ccitt_append.cpp: the target of the last AppendCCITTImageFile, which callers hold a pointer to; empty
     // before the first call and after one that failed early.
     char appendedPath[MAX_PATH] = "";
+
+    // display/screen_painter.cpp: the lines of the picture that is being painted on the screen; null while none is, or
+    // none of it is to be seen.
+    ScreenBand *screen = nullptr;
 
     // codec/decode_tiff.cpp: 1 while a decode that starts behind the first strip runs, and after any decode.
     DWORD partialDecode = 0;

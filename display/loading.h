@@ -5,10 +5,22 @@
 
 namespace vellum {
 
-// One of the loaders' line functions as a LineFunc, whose user value is the context's address.
-template <DWORD(VELLUMAPI *lineFunction)(BYTE *, DWORD, LoadLineContext *)>
-DWORD VELLUMAPI asLineFunc(BYTE *line, DWORD row, DWORD userValue) {
-    return lineFunction(line, row, reinterpret_cast<LoadLineContext *>(static_cast<UINT_PTR>(userValue)));
+// A line function with a context of its own as a LineFunc, whose user value is the context's address.
+template <auto lineFunction>
+struct ContextLineFunc;
+template <class Row, class Context, DWORD(VELLUMAPI *lineFunction)(BYTE *, Row, Context *)>
+struct ContextLineFunc<lineFunction> {
+    static DWORD VELLUMAPI call(BYTE *line, DWORD row, DWORD userValue) {
+        return lineFunction(line, static_cast<Row>(row), reinterpret_cast<Context *>(static_cast<UINT_PTR>(userValue)));
+    }
+};
+template <auto lineFunction>
+inline constexpr LineFunc asLineFunc = &ContextLineFunc<lineFunction>::call;
+
+// The address of a context as a user value.
+template <class Context>
+DWORD userValueOf(Context &context) {
+    return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(&context));
 }
 
 // Whether the image's file can fill a picture of this size: a small file may claim a huge one. The file is looked at
@@ -17,8 +29,7 @@ bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header);
 
 // Decodes a whole registered image through a line function that works on a context.
 inline bool decodeInto(TiffHandle tiff, DWORD index, LoadLineContext &context, LineFunc lineFunction) {
-    const auto userValue = static_cast<DWORD>(reinterpret_cast<UINT_PTR>(&context));
-    return DecodeTiffImage(tiff, index, 0, 0, userValue, lineFunction) != 0;
+    return DecodeTiffImage(tiff, index, 0, 0, userValueOf(context), lineFunction) != 0;
 }
 
 // True for the errors that leave a picture worth having: the data end early, or an end-of-facsimile code is missing or

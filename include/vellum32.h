@@ -224,6 +224,24 @@ typedef struct LoadLineContext {
 } LoadLineContext;
 
 /*
+ * What the screen line functions (Flush...LineToScreen) work on; the painter of DecompressTiffToScreen fills it. Where
+ * the lines land (the part of the picture that the window shows, the scale, the memory device context) is the
+ * library's own and known only while a picture is being painted.
+ */
+typedef struct ScreenLineContext {
+    HDC dc;                /* the device context that is painted on */
+    HBITMAP bitmap;        /* where lines wait: rows of the picture; turned by 90 or 270 degrees, columns */
+    HGLOBAL hInfo;         /* the BITMAPINFOHEADER and colour table */
+    DWORD reserved;        /* not used */
+    DWORD pixelCount;      /* pixels of a line of the image */
+    DWORD bitmapBytes;     /* bytes of a row of the bitmap */
+    DWORD colorUsage;      /* DIB_PAL_COLORS for 4 and 8 bits per pixel, else DIB_RGB_COLORS */
+    BITMAPINFO *header;    /* hInfo, locked; its size is that of the bitmap */
+    DWORD rasterOperation; /* SRCCOPY or NOTSRCCOPY */
+    BYTE *workBuffer;      /* for lines that become columns */
+} ScreenLineContext;
+
+/*
  * What the savers' fill functions (DllFill...) work on. A program that hands one of them to EncodeTiffImage itself
  * fills the record and passes its address as the user value.
  */
@@ -534,6 +552,80 @@ DWORD VELLUMAPI DllFlushTiffLine(BYTE *line, DWORD row, LoadLineContext *context
 DWORD VELLUMAPI DllFlushTiffLine24(BYTE *line, DWORD row, LoadLineContext *context);
 DWORD VELLUMAPI DllFlushTiffLineDIB(BYTE *line, DWORD row, LoadLineContext *context);
 DWORD VELLUMAPI DllFlushTiffLine24DIB(BYTE *line, DWORD row, LoadLineContext *context);
+
+/* ---------------------------------------------------------------- painting on the screen -------------------------- */
+
+/* What DecompressToScreen is to take a file for. */
+#define VELLUM_SHOW_ANY 0  /* what it begins with tells */
+#define VELLUM_SHOW_TIFF 1 /* TIFF */
+#define VELLUM_SHOW_CALS 2 /* CALS Type 1 */
+
+/* How a picture is painted: one rotation, one size, inverted or not. */
+#define VELLUM_ROTATE_0 0x0
+#define VELLUM_ROTATE_90 0x1          /* clockwise: the first line becomes the rightmost column, top to bottom */
+#define VELLUM_ROTATE_180 0x2         /* the first line becomes the bottom row, right to left */
+#define VELLUM_ROTATE_270 0x3         /* clockwise: the first line becomes the leftmost column, bottom to top */
+#define VELLUM_SHOW_BY_RESOLUTION 0x4 /* at its true size on the screen, times the ratios; else a pixel for a pixel */
+#define VELLUM_SHOW_FIT 0x8       /* the whole picture, as large as the client area lets it; before ..._BY_RESOLUTION */
+#define VELLUM_SHOW_INVERTED 0x20 /* exchanges SRCCOPY and NOTSRCCOPY */
+
+/*
+ * Paints an image of a TIFF file on a window while it is being decoded, line by line, without making a bitmap of it.
+ *   window  its client area is what there is room for; its scroll bars say which part of a larger picture is wanted.
+ *           NULL: the clip box of the device context takes the client area's place.
+ *   dc      the window's device context, or any other that the picture is to be painted on
+ *   ratios  NULL, or four numbers: numerator and denominator that the horizontal scale of VELLUM_SHOW_BY_RESOLUTION is
+ *           multiplied by, and those of the vertical scale. A pair with a zero counts for nothing.
+ *   flags   VELLUM_ROTATE_..., VELLUM_SHOW_...
+ * By resolution, every direction of the picture has a scale of its own, so that a fax of 204 x 98 dots per inch has
+ * its true proportions: device dots per inch (LOGPIXELSX, LOGPIXELSY) over the image's. Fitted, the pixels are square:
+ * the picture keeps the proportions of its numbers of pixels. The room for a picture that is turned by 90 or 270
+ * degrees is then the client area with width and height exchanged.
+ *
+ * Scroll bars: a bar is shown where the picture is larger than the client area, else hidden and set to 0; fitting
+ * hides both. The part that is shown begins at position x (picture - client area) / range of its bar, in pixels of the
+ * screen; a range of 0 stands for the beginning. Give scroll bars a range and no page (nPage), so that the position can
+ * reach the range's end.
+ *
+ * Afterwards the rest of the client area is filled with the brush of the window's class, and the whole window is
+ * validated, also when the image's data were damaged or ended early: what was decoded stays on the screen. The device
+ * context keeps the mapping in which a unit is a pixel of the (turned) picture and the origin is the upper left corner
+ * of the part that is shown, and the stretching mode; the clipping, the palette and the objects that were selected into
+ * it are given back. A bilevel picture has the device context's text and background colours, as every monochrome bitmap
+ * (black and white unless they were set).
+ * Result: 1, or 0 for an empty path, no device context, or an error. Errors: those of OpenTiffFile, GetTiffImage,
+ * GetTiffRGBQuad and DecodeTiffImage; 16 for another number of bits per pixel than 1, 4, 8 and 24, which a message box
+ * tells, too.
+ */
+LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
+                                      DWORD flags);
+
+/*
+ * The same for a file of any format that can be painted.
+ *   kind   VELLUM_SHOW_...
+ *   index  of the image, for TIFF
+ * Result: as of DecompressTiffToScreen; 0 for a file that is none of them, too.
+ */
+DWORD VELLUMAPI DecompressToScreen(LONG kind, HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
+                                   DWORD flags);
+
+/*
+ * The line functions of the painter, by rotation (none, Rot: 90, Rot18: 180, Rot27: 270 degrees) and depth (Mono: 1
+ * bit, RGB: 4 or 8 bits, RGB24: 24 bits per pixel). Lines outside the part that is shown, and all lines while no
+ * picture is being painted, are left out. The painter shows the lines some at a time. Result: 0.
+ */
+DWORD VELLUMAPI FlushMonoLineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushMonoRotLineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushMonoRot18LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushMonoRot27LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGBLineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGBRotLineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGBRot18LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGBRot27LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGB24LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGB24RotLineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGB24Rot18LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushRGB24Rot27LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
 
 /* ---------------------------------------------------------------- image definition -------------------------------- */
 

@@ -1,5 +1,5 @@
-// Guards for GDI objects: GdiObject owns one and deletes it, RealizedPalette selects one for a while, Clipboard keeps
-// the clipboard open.
+// Guards of GDI: GdiObject and MemoryDc own and delete, Selected... and RealizedPalette select for a while, SavedDc
+// brings a device context back to what it was, Clipboard keeps the clipboard open.
 #pragma once
 
 #include <windows.h>
@@ -34,18 +34,53 @@ private:
 using OwnedBitmap = GdiObject<HBITMAP>;
 using OwnedPalette = GdiObject<HPALETTE>;
 
-// Selects and realizes a palette, if there is one; gives the previous one back.
-class RealizedPalette {
+// A device context in memory, compatible with another one.
+class MemoryDc {
 public:
-    RealizedPalette(HDC dc, HPALETTE palette) : dc_(dc) {
-        if (palette != nullptr) {
-            previous_ = SelectPalette(dc, palette, FALSE);
-            RealizePalette(dc);
+    explicit MemoryDc(HDC compatibleWith) : dc_(CreateCompatibleDC(compatibleWith)) {}
+    MemoryDc(const MemoryDc &) = delete;
+    MemoryDc &operator=(const MemoryDc &) = delete;
+    ~MemoryDc() {
+        if (dc_ != nullptr) {
+            DeleteDC(dc_);
         }
     }
-    RealizedPalette(const RealizedPalette &) = delete;
-    RealizedPalette &operator=(const RealizedPalette &) = delete;
-    ~RealizedPalette() {
+
+    explicit operator bool() const { return dc_ != nullptr; }
+    [[nodiscard]] HDC get() const { return dc_; }
+
+private:
+    HDC dc_;
+};
+
+// Selects an object that is no palette; gives the previous one back.
+class SelectedObject {
+public:
+    SelectedObject(HDC dc, HGDIOBJ object) : dc_(dc), previous_(SelectObject(dc, object)) {}
+    SelectedObject(const SelectedObject &) = delete;
+    SelectedObject &operator=(const SelectedObject &) = delete;
+    ~SelectedObject() {
+        if (previous_ != nullptr) {
+            SelectObject(dc_, previous_);
+        }
+    }
+
+private:
+    HDC dc_;
+    HGDIOBJ previous_;
+};
+
+// Selects a palette, if there is one; gives the previous one back.
+class SelectedPalette {
+public:
+    SelectedPalette(HDC dc, HPALETTE palette) : dc_(dc) {
+        if (palette != nullptr) {
+            previous_ = SelectPalette(dc, palette, FALSE);
+        }
+    }
+    SelectedPalette(const SelectedPalette &) = delete;
+    SelectedPalette &operator=(const SelectedPalette &) = delete;
+    ~SelectedPalette() {
         if (previous_ != nullptr) {
             SelectPalette(dc_, previous_, FALSE);
         }
@@ -54,6 +89,49 @@ public:
 private:
     HDC dc_;
     HPALETTE previous_ = nullptr;
+};
+
+// The same, and realizes it.
+class RealizedPalette {
+public:
+    RealizedPalette(HDC dc, HPALETTE palette) : selected_(dc, palette) {
+        if (palette != nullptr) {
+            RealizePalette(dc);
+        }
+    }
+
+private:
+    SelectedPalette selected_;
+};
+
+// Gives a device context everything back that was changed on it: mapping, clipping, selected objects.
+class SavedDc {
+public:
+    explicit SavedDc(HDC dc) : dc_(dc), saved_(SaveDC(dc)) {}
+    SavedDc(const SavedDc &) = delete;
+    SavedDc &operator=(const SavedDc &) = delete;
+    ~SavedDc() {
+        if (saved_ != 0) {
+            RestoreDC(dc_, saved_);
+        }
+    }
+
+private:
+    HDC dc_;
+    int saved_;
+};
+
+// Lets a device context count in its pixels for a while.
+class PixelUnits {
+public:
+    explicit PixelUnits(HDC dc) : saved_(dc) {
+        SetMapMode(dc, MM_TEXT);
+        SetWindowOrgEx(dc, 0, 0, nullptr);
+        SetViewportOrgEx(dc, 0, 0, nullptr);
+    }
+
+private:
+    SavedDc saved_;
 };
 
 // Opens the clipboard for no window in particular.

@@ -22,6 +22,15 @@ private:
     std::uint32_t state_;
 };
 
+inline std::vector<BYTE> randomBytes(std::size_t count, std::uint32_t seed) {
+    Random random(seed);
+    std::vector<BYTE> bytes(count);
+    for (BYTE &byte : bytes) {
+        byte = static_cast<BYTE>(random.below(256));
+    }
+    return bytes;
+}
+
 // Runs of 1 to longest pixels.
 inline Row randomRow(Random &random, std::uint32_t width, std::uint32_t longest) {
     Row row;

@@ -1,0 +1,96 @@
+// Painting of an image of a TIFF file, and of a file of any kind.
+#include "core/image_info.h"
+#include "core/tiff_header.h"
+#include "display/loading.h"
+#include "display/screen_lines.h"
+#include "display/screen_painter.h"
+#include "support/wait_cursor.h"
+
+namespace vellum {
+namespace {
+
+constexpr char kCaption[] = "VELLUMSDK";
+constexpr char kUnsupported[] = "Color format is not supported.";
+constexpr double kMetersPerInchOnScreen = 0.0254;
+
+class TiffOnScreen : public ScreenSource {
+public:
+    TiffOnScreen(TiffHandle tiff, DWORD index, WORD bitsPerPixel)
+        : tiff_(tiff), index_(index), bitsPerPixel_(bitsPerPixel) {}
+
+    [[nodiscard]] LineFunc lineFunction(Rotation rotation) const override {
+        return screenLineFunction(rotation, bitsPerPixel_);
+    }
+    void decode(LineFunc forEachLine, DWORD userValue) const override {
+        DecodeTiffImage(tiff_, index_, 0, 0, userValue, forEachLine);
+    }
+
+private:
+    TiffHandle tiff_;
+    DWORD index_;
+    WORD bitsPerPixel_;
+};
+
+// A bilevel image without the tag is shown as those are whose zeros are white.
+bool isInverted(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header) {
+    return header.biBitCount == 1 && firstValue(tiff, index, Tag::Photometric).value_or(kWhiteIsZero) == kWhiteIsZero;
+}
+
+// Tells the user when the image has a number of bits per pixel that is not supported.
+void tellOfUnsupportedDepth(TiffHandle tiff, DWORD index) {
+    BITMAPINFOHEADER header{};
+    header.biBitCount = 1;
+    GetTiffDimensions(tiff, index, &header);
+    const WORD bits = header.biBitCount;
+    if (lastError() == Error::BadColorFormat && bits != 1 && bits != 4 && bits != 8 && bits != 24) {
+        MessageBoxA(nullptr, kUnsupported, kCaption, MB_TASKMODAL);
+    }
+}
+
+bool paintImage(TiffHandle tiff, DWORD index, const ScreenRequest &request) {
+    ScreenPicture picture;
+    picture.info = GlobalBlock(GetTiffRGBQuad(tiff, index));
+    if (!picture.info) {
+        tellOfUnsupportedDepth(tiff, index);
+        return false;
+    }
+    WORD bitsPerPixel = 0;
+    if (const GlobalView<const BITMAPINFOHEADER> header(picture.info.get()); header) {
+        picture.dotsPerInchX = header->biXPelsPerMeter * kMetersPerInchOnScreen;
+        picture.dotsPerInchY = header->biYPelsPerMeter * kMetersPerInchOnScreen;
+        picture.inverted = isInverted(tiff, index, *header);
+        bitsPerPixel = header->biBitCount;
+    }
+    return paintOnScreen(picture, TiffOnScreen(tiff, index, bitsPerPixel), request);
+}
+
+LONG paintTiff(const char *path, DWORD index, const ScreenRequest &request) {
+    if (path == nullptr || *path == '\0' || request.dc == nullptr) {
+        return 0;
+    }
+    const LoadedImage image(path, index);
+    if (!image) {
+        return 0;
+    }
+    const WaitCursor wait;
+    return paintImage(image.tiff(), index, request) ? 1 : 0;
+}
+
+} // namespace
+} // namespace vellum
+
+extern "C" {
+
+LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
+                                      DWORD flags) {
+    return vellum::paintTiff(path, index, {window, dc, ratios, flags});
+}
+
+DWORD VELLUMAPI DecompressToScreen(LONG kind, HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
+                                   DWORD flags) {
+    const bool isTiff =
+        kind == VELLUM_SHOW_TIFF || (kind == VELLUM_SHOW_ANY && path != nullptr && vellum::looksLikeTiff(path));
+    return isTiff ? static_cast<DWORD>(DecompressTiffToScreen(window, dc, path, index, ratios, flags)) : 0;
+}
+
+} // extern "C"
