@@ -126,6 +126,28 @@ typedef struct IocaHeader {
     DWORD firstBlockPosition;  /* where the first data block's FE lies in the file; 0 when there is none */
 } IocaHeader;
 
+/* The numbers of a CALS header (ReadCALSInfo, DefineCALSHead), by their records. */
+typedef struct CalsInfo {
+    LONG rtype;      /* raster type; 1 in every file that is read or written */
+    LONG rorient[2]; /* two angles in degrees: the pel path, and the line progression counted from it */
+    LONG rpelcnt[2]; /* pixels in a line, and lines */
+    LONG rdensty;    /* dots per inch in both directions */
+} CalsInfo;
+
+/*
+ * The texts of a CALS header, by their records; each ends with a NUL. NULL: when read, there is no such text; when
+ * defined, "NONE" is written.
+ */
+typedef struct CalsNotes {
+    const char *srcdocid;  /* "srcdocid: ", the document in the source system */
+    const char *dstdocis;  /* "dstdocis: ", the document in the destination system */
+    const char *txtfileid; /* "txtfileid: ", the text file */
+    const char *figid;     /* "figid: ", the figure */
+    const char *scrgph;    /* "scrgph: ", the graphics file in the source system */
+    const char *doccls;    /* "doccls: ", the security classification */
+    const char *notes;     /* "notes: ", anything else */
+} CalsNotes;
+
 #pragma pack(pop)
 
 /*
@@ -879,6 +901,59 @@ DWORD VELLUMAPI WriteIOCATail(HFILE file);
  * it begins. Result: 1, or 0 with error 6.
  */
 DWORD VELLUMAPI WriteMODCATail(HFILE file);
+
+/* ---------------------------------------------------------------- CALS raster files ------------------------------- */
+
+/*
+ * A CALS Type 1 raster file is a header of 2048 characters - 16 records of 128, each a keyword, a value and blanks -
+ * with one bilevel image behind it in Group 4 code. The calls that have to do with a header pass it in a block of
+ * VELLUM_CALS_BLOCK bytes: the records as the file has them, and some spare bytes.
+ */
+#define VELLUM_CALS_HEADER 2048 /* bytes of a header */
+#define VELLUM_CALS_RECORD 128  /* bytes of a record */
+#define VELLUM_CALS_BLOCK 2248  /* bytes of a block that holds a header */
+
+/*
+ * Reads a file's header. That every record ends with a blank or a NUL is all that is checked.
+ * Result: a block that the caller frees, or NULL. Errors: 1, 6 (the file does not open), 18 (it is shorter than a
+ * header, or no header). A path that is NULL or empty sets no error.
+ */
+HGLOBAL VELLUMAPI ReadCALSHead(const char *path);
+
+/*
+ * Finds a record.
+ *   header   the first record, of a locked block
+ *   keyword  what the record begins with, byte for byte: "notes: "
+ * Result: the first such record, which is 128 characters long and has no terminator, or NULL. A record that begins with
+ * a blank or a NUL is none.
+ */
+char *VELLUMAPI FindCALSRecord(char *header, const char *keyword);
+
+/*
+ * Reads the numbers of a file's header. "dtype: " serves where there is no "rtype: ", "rdensity: " where there is no
+ * "rdensty: "; a value that is no number is 0, one that a LONG cannot hold its nearest value.
+ * Result: 1, or 0 when the header cannot be read, lacks one of the four records, has another raster type than 1 or no
+ * pixels. Errors: those of ReadCALSHead, 18. Without info no error is set.
+ */
+DWORD VELLUMAPI ReadCALSInfo(const char *path, CalsInfo *info);
+
+/*
+ * Reads the texts of a file's header.
+ *   notes  receives pointers into the block that comes back, NULL for texts that are not there
+ * Each text but the last one is followed, without a terminator, by those behind it: with AB in the first and CD in the
+ * last of two, the first reads "ABCD". The difference of two pointers is the length of the text between them.
+ * Result: a block that the caller frees when he needs the texts no more, or NULL. Errors: those of ReadCALSHead.
+ * Without notes no error is set.
+ */
+HGLOBAL VELLUMAPI ReadCALSNote(const char *path, CalsNotes *notes);
+
+/*
+ * Makes a header.
+ *   notes  NULL for "NONE" in every text
+ * A text that its record has no room for is cut.
+ * Result: a block that the caller frees, or NULL. Errors: 1. Without info no error is set.
+ */
+HGLOBAL VELLUMAPI DefineCALSHead(const CalsInfo *info, const CalsNotes *notes);
 
 /* ---------------------------------------------------------------- annotations ------------------------------------- */
 
