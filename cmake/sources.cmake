@@ -4,6 +4,7 @@ set(VELLUM_FOLDERS support core codec display write cals annot api)
 set(VELLUM_GDI_SOURCES
     display/bitmap_lines.cpp
     display/clipboard.cpp
+    display/info_dialog.cpp
     display/load_bitmap.cpp
     display/paint_tiff.cpp
     display/palette.cpp

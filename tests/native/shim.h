@@ -51,6 +51,10 @@ struct State {
     // What the user does in the save dialog before pressing OK; null: presses Cancel.
     void (*inSaveDialog)() = nullptr;
 
+    // What the information dialog ends with, and how often it was shown.
+    INT_PTR infoDialogAnswer = IDCANCEL;
+    int infoDialogs = 0;
+
     // Resources in use.
     long blocks = 0;      // global blocks allocated and not freed
     SIZE_T bytes = 0;     // in them
