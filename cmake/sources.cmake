@@ -2,6 +2,7 @@
 # shows dialogs or uses the clipboard is added to VELLUM_GDI_SOURCES.
 set(VELLUM_FOLDERS support core codec display write cals annot api)
 set(VELLUM_GDI_SOURCES
+    cals/paint_cals.cpp
     display/bitmap_lines.cpp
     display/clipboard.cpp
     display/info_dialog.cpp
