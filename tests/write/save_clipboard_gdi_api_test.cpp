@@ -1,8 +1,8 @@
 // Saving the bitmap on the clipboard, which stays the clipboard's.
+#include "support/dialog_user.h"
 #include "support/faults.h"
 #include "support/gdi_calls.h"
 #include "write/bitmaps.h"
-#include "write/dialog_user.h"
 #include "write/packed_dibs.h"
 #include "write/saved_pixels.h"
 

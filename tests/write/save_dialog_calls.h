@@ -1,7 +1,7 @@
 // Windows: the save dialog's controls, and saving a DIB as a user wants it.
 #pragma once
 
-#include "write/dialog_user.h"
+#include "support/dialog_user.h"
 #include "write/packed_dibs.h"
 #include "write/saved_tiff.h"
 

@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #ifndef VELLUM_NATIVE
-#include "write/dialog_user.h"
+#include "support/dialog_user.h"
 
 #include <utility>
 
