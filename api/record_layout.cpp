@@ -124,4 +124,11 @@ static_assert(sizeof(CcittLineContext) == 8);
 VELLUM_FIELD(CcittLineContext, dc, 0);
 VELLUM_FIELD(CcittLineContext, bitmap, 4);
 
+static_assert(sizeof(CalsLineContext) == 20);
+VELLUM_FIELD(CalsLineContext, bits, 0);
+VELLUM_FIELD(CalsLineContext, height, 4);
+VELLUM_FIELD(CalsLineContext, lineBytes, 8);
+VELLUM_FIELD(CalsLineContext, stride, 12);
+VELLUM_FIELD(CalsLineContext, invert, 16);
+
 } // namespace

@@ -269,6 +269,18 @@ typedef struct CcittLineContext {
     HBITMAP bitmap; /* the bitmap to read */
 } CcittLineContext;
 
+/*
+ * What the line functions of the CALS calls work on, DllFlushCALSLineDIB and DllFillCALSLineDIB. A program that hands
+ * one of them to a decode or encode call itself fills the record and passes its address as the user value.
+ */
+typedef struct CalsLineContext {
+    BYTE *bits;      /* first byte of the locked DIB's rows */
+    DWORD height;    /* rows of the DIB */
+    DWORD lineBytes; /* bytes of one coded line: (width + 7) / 8 */
+    DWORD stride;    /* bytes from row to row */
+    DWORD invert;    /* DllFillCALSLineDIB: non-zero complements every byte */
+} CalsLineContext;
+
 /* ---------------------------------------------------------------- open files and errors --------------------------- */
 
 /*
@@ -974,6 +986,58 @@ HGLOBAL VELLUMAPI ReadCALSNote(const char *path, CalsNotes *notes);
  * Result: a block that the caller frees, or NULL. Errors: 1. Without info no error is set.
  */
 HGLOBAL VELLUMAPI DefineCALSHead(const CalsInfo *info, const CalsNotes *notes);
+
+/*
+ * Loads a CALS file into a packed DIB of 1 bit per pixel, white (0) and black (1).
+ *   showInfo  non-zero shows the header first (ShowCALSInfo)
+ * Result: a block that the caller frees, or NULL; also NULL, with error 0, when the user cancels. An image whose data
+ * end early comes back as far as it goes, the rest white, after a message box with the caption "CALS warning" and with
+ * error 5, 19 or 20 pending; on full success the error is 0.
+ * Errors: those of ReadCALSInfo; 1 also for a size that is none or that the file cannot fill; those of
+ * DecodeCcittImageFrom.
+ */
+HGLOBAL VELLUMAPI LoadCALSIntoDIB(const char *path, LONG showInfo);
+
+/*
+ * Makes a CALS file of a packed DIB; a file of that name is replaced. The DIB stays the caller's.
+ *   dib          1 bit per pixel, with a header of 40 bytes and two colours, uncompressed, bottom-up. The second colour
+ *                is stored as black, or the first one if that is black
+ *   notes        the texts of the header, or NULL
+ *   orientation  two angles for "rorient: ", or NULL for 90 and 270
+ *   showEdit     non-zero lets the user edit the texts first (EditCALSHead)
+ * Result: 1 or 0; also 1, with error 0 and no file made, when the user cancels.
+ * Errors: 1 (also: a handle that cannot be locked), 16 (another DIB), 12 (wider than 33280 pixels), 6 (the file cannot
+ * be made or written) and those of EncodeCcittImage. 12 and 16 are found before the file is touched.
+ */
+DWORD VELLUMAPI SaveDIBInCALSFormat(const char *path, HGLOBAL dib, const CalsNotes *notes, const LONG *orientation,
+                                    LONG showEdit);
+
+/* Shows a file's header, or why it cannot be read. Result: 1 for OK, 2 for Cancel, -1 without a dialog. */
+LONG VELLUMAPI ShowCALSInfo(HWND parent, const char *path);
+
+/*
+ * Lets the user edit the texts of a header.
+ *   path    shown, if it is not NULL
+ *   header  the first record, of a locked block. In its text records a NUL follows the text afterwards; with OK they
+ *           are rewritten
+ * Result: 1 for OK, 2 for Cancel, -1 without a dialog.
+ */
+LONG VELLUMAPI EditCALSHead(HWND parent, const char *path, char *header);
+
+/*
+ * The procedures of the two dialogs, templates "CALSINFO" and "CALSEDIT" in the library's resources. WM_INITDIALOG's
+ * lParam is the path for CALSINFO; CALSEDIT works on what EditCALSHead was given. Both end with 1 or 2.
+ */
+INT_PTR VELLUMAPI CalsDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+INT_PTR VELLUMAPI CalsDllEditDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+/*
+ * The line functions of the CALS calls: a decoded line into a packed DIB, and a line out of one for an encoder, both
+ * with line 0 in the last row. A row outside the picture is left alone. Result: 0. They are handed to a decode or
+ * encode call cast to LineFunc, with the record's address as the user value.
+ */
+DWORD VELLUMAPI DllFlushCALSLineDIB(BYTE *line, DWORD row, CalsLineContext *context);
+DWORD VELLUMAPI DllFillCALSLineDIB(BYTE *line, DWORD row, CalsLineContext *context);
 
 /*
  * Paints a CALS file on a window, as DecompressTiffToScreen does an image of a TIFF file.
