@@ -1,0 +1,88 @@
+// Loading of a CALS file into a packed DIB of 1 bit per pixel.
+#include "cals/cals_dialogs.h"
+#include "cals/cals_header.h"
+#include "cals/cals_picture.h"
+#include "codec/decode_driver.h"
+#include "core/stream.h"
+#include "display/loading.h"
+#include "support/wait_cursor.h"
+
+namespace vellum {
+namespace {
+
+constexpr DWORD kSpareBytes = 100;
+
+// A small file may claim a huge picture: such a one gets its memory only when the file can fill it.
+Error checkWorth(const char *path, const CalsPicture &picture) {
+    const auto bytes = picture.imageBytes().fit();
+    if (bytes && *bytes <= kNeedsNoProof) {
+        return Error::None;
+    }
+    const Stream file(openFileStream(path, kOpenRead));
+    const LONG size = file ? sizeOfStream(file.get()) : -1;
+    if (size < 0) {
+        return Error::Io;
+    }
+    const auto whole = static_cast<DWORD>(size);
+    const DWORD code = whole > VELLUM_CALS_HEADER ? whole - VELLUM_CALS_HEADER : 0;
+    return worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.bytesPerLine(), code) ? Error::None
+                                                                                                  : Error::NoMemory;
+}
+
+Error decodeInto(BYTE *bits, const char *path, const CalsPicture &picture) {
+    const WaitCursor wait;
+    CalsLineContext context{bits, picture.height, picture.bytesPerLine(), picture.stride().fit().value_or(0), 0};
+    return decodeCals(path, picture, asLineFunc<DllFlushCALSLineDIB>, userValueOf(context));
+}
+
+// The DIB stays empty when there is none to decode into.
+Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
+    CalsPicture picture;
+    if (const Error error = measureCals(info, picture); error != Error::None) {
+        return error;
+    }
+    if (const Error error = checkWorth(path, picture); error != Error::None) {
+        return error;
+    }
+    dib = GlobalBlock::allocate(Size(sizeof(BilevelInfo) + kSpareBytes) + picture.imageBytes());
+    const GlobalView<BilevelInfo> view(dib.get());
+    if (!view) {
+        return Error::NoMemory;
+    }
+    *view = picture.describe();
+    return decodeInto(reinterpret_cast<BYTE *>(view.get() + 1), path, picture);
+}
+
+void warn(Error error) {
+    MessageBoxA(nullptr, errorMessage(number(error)), "CALS warning", MB_TASKMODAL | MB_ICONEXCLAMATION);
+}
+
+HGLOBAL loadCals(const char *path) {
+    CalsInfo info;
+    if (!readCalsInfo(path, info)) {
+        return nullptr;
+    }
+    GlobalBlock dib;
+    const Error error = loadInto(dib, path, info);
+    if (leavesPartOfThePicture(error) && dib) {
+        // By design: what there is of a picture is worth having, but whoever sees it is told.
+        warn(error);
+    } else if (error != Error::None) {
+        dib.reset();
+    }
+    setError(error);
+    return dib.release();
+}
+
+} // namespace
+} // namespace vellum
+
+extern "C" HGLOBAL VELLUMAPI LoadCALSIntoDIB(const char *path, LONG showInfo) {
+    if (showInfo != 0) {
+        if (const LONG answer = vellum::askCalsInfo(path); answer != vellum::kCalsDialogOk) {
+            vellum::setError(vellum::errorOfCalsDialog(answer));
+            return nullptr;
+        }
+    }
+    return vellum::loadCals(path);
+}
