@@ -93,6 +93,10 @@ VELLUM_FIELD(LoadLineContext, height, 16);
 VELLUM_FIELD(LoadLineContext, lineBytes, 20);
 VELLUM_FIELD(LoadLineContext, strideOrUsage, 24);
 
+static_assert(sizeof(TiffInfoDlgParam) == 8);
+VELLUM_FIELD(TiffInfoDlgParam, tiff, 0);
+VELLUM_FIELD(TiffInfoDlgParam, index, 4);
+
 static_assert(sizeof(ScreenLineContext) == 40);
 VELLUM_FIELD(ScreenLineContext, dc, 0);
 VELLUM_FIELD(ScreenLineContext, bitmap, 4);

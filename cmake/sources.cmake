@@ -7,6 +7,7 @@ set(VELLUM_GDI_SOURCES
     cals/info_dialog.cpp
     display/bitmap_lines.cpp
     display/clipboard.cpp
+    display/info_dialog.cpp
     display/load_bitmap.cpp
     display/paint_tiff.cpp
     display/palette.cpp

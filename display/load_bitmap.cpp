@@ -67,21 +67,22 @@ HBITMAP loadBitmap(TiffHandle tiff, DWORD index) {
 
 namespace {
 
-// Puts a bitmap onto the clipboard, which owns it from then on.
-bool putOnClipboard(OwnedBitmap bitmap) {
+// Puts the bitmap of a registered image onto the clipboard, which owns it from then on. Result: 1 or 0.
+DWORD putOnClipboard(TiffHandle tiff, DWORD index) {
+    OwnedBitmap bitmap(loadBitmap(tiff, index));
     if (!bitmap) {
-        return false;
+        return 0;
     }
     const Clipboard clipboard;
     if (!clipboard) {
-        return false;
+        return 0;
     }
     EmptyClipboard();
     if (SetClipboardData(CF_BITMAP, bitmap.get()) == nullptr) {
-        return false;
+        return 0;
     }
     (void)bitmap.release();
-    return true;
+    return 1;
 }
 
 } // namespace
@@ -106,18 +107,14 @@ HBITMAP VELLUMAPI LoadTiffChainIntoBitmap(TiffHandle tiff, DWORD index) {
     return vellum::loadBitmap(tiff, index);
 }
 
-HBITMAP VELLUMAPI LoadTiffIntoBitmap(const char *path, DWORD index, LONG /*showInfo*/) {
-    const vellum::LoadedImage image(path, index);
-    return image ? vellum::loadBitmap(image.tiff(), index) : nullptr;
+HBITMAP VELLUMAPI LoadTiffIntoBitmap(const char *path, DWORD index, LONG showInfo) {
+    return vellum::loadImage<HBITMAP>(path, index, showInfo, nullptr, vellum::loadBitmap);
 }
 
-DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG /*showInfo*/) {
-    const vellum::LoadedImage image(path, index);
-    if (!image) {
-        // By design: callers tell a missing file from a failed load by TiffError, not by this result.
-        return 1;
-    }
-    return vellum::putOnClipboard(vellum::OwnedBitmap(vellum::loadBitmap(image.tiff(), index))) ? 1 : 0;
+DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG showInfo) {
+    // By design: 1 for a missing file, too. Callers tell it from a failed load by TiffError, not by the result.
+    constexpr DWORD kUnopened = 1;
+    return vellum::loadImage<DWORD>(path, index, showInfo, kUnopened, vellum::putOnClipboard);
 }
 
 } // extern "C"

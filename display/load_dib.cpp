@@ -77,7 +77,6 @@ HGLOBAL loadDib(TiffHandle tiff, DWORD index) {
 
 } // namespace vellum
 
-extern "C" HGLOBAL VELLUMAPI LoadTiffIntoDIB(const char *path, DWORD index, LONG /*showInfo*/) {
-    const vellum::LoadedImage image(path, index);
-    return image ? vellum::loadDib(image.tiff(), index) : nullptr;
+extern "C" HGLOBAL VELLUMAPI LoadTiffIntoDIB(const char *path, DWORD index, LONG showInfo) {
+    return vellum::loadImage<HGLOBAL>(path, index, showInfo, nullptr, vellum::loadDib);
 }

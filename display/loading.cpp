@@ -1,9 +1,11 @@
-// What the loaders share: whether a picture is worth its memory, and which errors leave part of one.
+// What the loaders share: whether the user wants a picture, whether it is worth its memory, and which errors leave part
+// of one.
 #include "display/loading.h"
 
 #include "codec/decode_driver.h"
 #include "core/image_info.h"
 #include "core/stream.h"
+#include "display/info_dialog.h"
 #include "support/row_bytes.h"
 
 namespace vellum {
@@ -20,6 +22,14 @@ DWORD streamBytes(TiffHandle tiff) {
 }
 
 } // namespace
+
+bool userWants(TiffHandle tiff, DWORD index) {
+    const INT_PTR answer = showInfoDialog(tiff, index);
+    if (answer != IDOK) {
+        setError(answer == IDCANCEL ? Error::None : Error::NoMemory);
+    }
+    return answer == IDOK;
+}
 
 bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header) {
     const auto width = static_cast<DWORD>(header.biWidth);

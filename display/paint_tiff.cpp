@@ -36,13 +36,16 @@ bool isInverted(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header) {
     return header.biBitCount == 1 && firstValue(tiff, index, Tag::Photometric).value_or(kWhiteIsZero) == kWhiteIsZero;
 }
 
-// Tells the user when the image has a number of bits per pixel that is not supported.
+// Tells the user when the image has a number of bits per pixel that is not supported, which is error 16; so are separate
+// planes, of which the user is not told.
 void tellOfUnsupportedDepth(TiffHandle tiff, DWORD index) {
+    if (lastError() != Error::BadColorFormat) {
+        return;
+    }
     BITMAPINFOHEADER header{};
-    header.biBitCount = 1;
+    header.biBitCount = 1; // stays so for separate planes
     GetTiffDimensions(tiff, index, &header);
-    const WORD bits = header.biBitCount;
-    if (lastError() == Error::BadColorFormat && bits != 1 && bits != 4 && bits != 8 && bits != 24) {
+    if (header.biBitCount != 1) {
         MessageBoxA(nullptr, kUnsupported, kCaption, MB_TASKMODAL);
     }
 }

@@ -223,6 +223,12 @@ typedef struct LoadLineContext {
     DWORD strideOrUsage; /* DIB callbacks: bytes from row to row; bitmap callbacks: DIB_RGB_COLORS */
 } LoadLineContext;
 
+/* What the information dialog (TiffDllInfoDlgFn) is about. */
+typedef struct TiffInfoDlgParam {
+    TiffHandle tiff; /* an open TIFF */
+    DWORD index;     /* of an image that is registered (GetTiffImage) */
+} TiffInfoDlgParam;
+
 /*
  * What the screen line functions (Flush...LineToScreen) work on; the painter of DecompressTiffToScreen fills it. Where
  * the lines land (the part of the picture that the window shows, the scale, the memory device context) is the
@@ -536,14 +542,19 @@ DWORD VELLUMAPI DecodeMMRImage(StreamHandle stream, DWORD offset, DWORD width, D
 
 /*
  * Loads an image into a packed DIB (header, colour table, bottom-up rows padded to 32 bits).
- *   showInfo  accepted; shows nothing so far
+ *   showInfo  non-zero shows the information dialog first (see TiffDllInfoDlgFn), so that the user can give up; it is
+ *             modal and has no owner
  * Result: a block that the caller frees, or NULL. An image whose data end early comes back as far as it goes, its other
- * lines zero, with error 5, 19 or 20 pending; on full success the error is 0.
- * Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage.
+ * lines zero, with error 5, 19 or 20 pending; on full success the error is 0. NULL with error 0 when the user
+ * cancelled. Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage; 1 when the dialog cannot
+ * be shown.
  */
 HGLOBAL VELLUMAPI LoadTiffIntoDIB(const char *path, DWORD index, LONG showInfo);
 
-/* Loads an image into a bitmap for the screen, to be deleted by the caller. An early end (5) keeps what there is. */
+/*
+ * Loads an image into a bitmap for the screen, to be deleted by the caller. An early end (5) keeps what there is.
+ * showInfo is that of LoadTiffIntoDIB.
+ */
 HBITMAP VELLUMAPI LoadTiffIntoBitmap(const char *path, DWORD index, LONG showInfo);
 
 /* As LoadTiffIntoBitmap, of an open file whose image is registered. */
@@ -551,6 +562,7 @@ HBITMAP VELLUMAPI LoadTiffChainIntoBitmap(TiffHandle tiff, DWORD index);
 
 /*
  * Puts an image onto the clipboard as a bitmap.
+ *   showInfo  that of LoadTiffIntoDIB; when the user cancels the clipboard stays as it is
  * Result: 1; also 1 when the file cannot be opened or the image not be registered (ask TiffError); 0 otherwise.
  */
 DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG showInfo);
@@ -564,6 +576,14 @@ DWORD VELLUMAPI DllFlushTiffLine(BYTE *line, DWORD row, LoadLineContext *context
 DWORD VELLUMAPI DllFlushTiffLine24(BYTE *line, DWORD row, LoadLineContext *context);
 DWORD VELLUMAPI DllFlushTiffLineDIB(BYTE *line, DWORD row, LoadLineContext *context);
 DWORD VELLUMAPI DllFlushTiffLine24DIB(BYTE *line, DWORD row, LoadLineContext *context);
+
+/*
+ * The dialog procedure of the information dialog, template "TIFFINFO" in the library's resources: title, artist, date,
+ * size, colours and compression of an image. WM_INITDIALOG's lParam points to a TiffInfoDlgParam; without one the
+ * template's texts stay. The dialog ends with 1 for Load and 2 for Cancel. A template of a program's own may leave
+ * controls out, and may have 211 and 212 for the horizontal and vertical dots per inch.
+ */
+INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
 /* ---------------------------------------------------------------- painting on the screen -------------------------- */
 

@@ -1,6 +1,5 @@
 // LoadTiffFileIntoClipboard: what lies on the clipboard afterwards, and its results.
 #include "display/bitmap_pixels.h"
-#include "support/faults.h"
 #include "support/gdi_calls.h"
 #include "support/jpeg_tiff.h"
 
@@ -119,14 +118,6 @@ TEST_F(ClipboardLoad, AClipboardThatDoesNotTakeTheBitmapIsResult0AndNothingIsLef
     EXPECT_EQ(LoadTiffFileIntoClipboard(file.path(), 0, 0), 0U);
     EXPECT_EQ(calls.counts().objects, 0);
     EXPECT_EQ(calls.counts().clipboardOpen, 0);
-}
-
-TEST_F(ClipboardLoad, ShowInfoIsTakenAndShowsNothing) {
-    const TempFile file(picture(9, 4, {8, 1}).tiff());
-    const MessageBoxes boxes;
-    EXPECT_EQ(LoadTiffFileIntoClipboard(file.path(), 0, 1), 1U);
-    EXPECT_EQ(boxes.count(), 0);
-    EXPECT_TRUE(IsClipboardFormatAvailable(CF_BITMAP));
 }
 
 } // namespace

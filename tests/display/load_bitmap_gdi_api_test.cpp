@@ -13,19 +13,19 @@ using namespace vellum::test;
 // Every load leaves the screen's context and the cursor as they were, and of GDI's objects the bitmap alone.
 class Load {
 public:
-    explicit Load(const char *path, DWORD index = 0, LONG showInfo = 0, GdiCalls::Fail fail = GdiCalls::Fail::Nothing)
-        : bitmap_(load(path, index, showInfo, fail)) {}
+    explicit Load(const char *path, DWORD index = 0, GdiCalls::Fail fail = GdiCalls::Fail::Nothing)
+        : bitmap_(load(path, index, fail)) {}
 
     explicit operator bool() const { return static_cast<bool>(bitmap_); }
     [[nodiscard]] HBITMAP get() const { return bitmap_.get(); }
 
 private:
-    static HBITMAP load(const char *path, DWORD index, LONG showInfo, GdiCalls::Fail fail) {
+    static HBITMAP load(const char *path, DWORD index, GdiCalls::Fail fail) {
         const HCURSOR arrow = LoadCursor(nullptr, IDC_ARROW);
         SetCursor(arrow);
         SetTiffError(VELLUM_NOT_CALS);
         const GdiCalls calls(fail);
-        const HBITMAP bitmap = LoadTiffIntoBitmap(path, index, showInfo);
+        const HBITMAP bitmap = LoadTiffIntoBitmap(path, index, 0);
         EXPECT_EQ(calls.counts().objects, bitmap == nullptr ? 0 : 1);
         EXPECT_EQ(calls.counts().contexts, 0);
         EXPECT_EQ(GetCursor(), arrow);
@@ -148,20 +148,12 @@ TEST(LoadBitmap, FilesAndImagesThatAreNotThereHaveTheirErrors) {
     EXPECT_EQ(TiffError(), DWORD{VELLUM_BAD_COLOR_FORMAT});
 }
 
-TEST(LoadBitmap, ShowInfoIsTakenAndShowsNothing) {
-    const TempFile file(picture(4, 4, {8, 1}).tiff());
-    const MessageBoxes boxes;
-    EXPECT_TRUE(Load(file.path(), 0, 1));
-    EXPECT_EQ(TiffError(), DWORD{VELLUM_OK});
-    EXPECT_EQ(boxes.count(), 0);
-}
-
 TEST(LoadBitmap, WhatGdiRefusesEndsTheLoad) {
     const TempFile file(picture(4, 4, {8, 1}).tiff());
-    EXPECT_FALSE(Load(file.path(), 0, 0, GdiCalls::Fail::GetDc));
-    EXPECT_FALSE(Load(file.path(), 0, 0, GdiCalls::Fail::Bitmap));
+    EXPECT_FALSE(Load(file.path(), 0, GdiCalls::Fail::GetDc));
+    EXPECT_FALSE(Load(file.path(), 0, GdiCalls::Fail::Bitmap));
     EXPECT_EQ(TiffError(), DWORD{VELLUM_NO_MEMORY});
-    EXPECT_TRUE(Load(file.path(), 0, 0, GdiCalls::Fail::Palette)) << "a true-colour screen needs none";
+    EXPECT_TRUE(Load(file.path(), 0, GdiCalls::Fail::Palette)) << "a true-colour screen needs none";
     EXPECT_EQ(TiffError(), DWORD{VELLUM_OK});
 }
 

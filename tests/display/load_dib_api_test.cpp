@@ -12,9 +12,9 @@ namespace {
 using namespace vellum::test;
 
 // Loads with an error pending, so that a load that leaves the error alone is found out.
-std::unique_ptr<Dib> load(const char *path, DWORD index = 0, LONG showInfo = 0) {
+std::unique_ptr<Dib> load(const char *path, DWORD index = 0) {
     SetTiffError(VELLUM_NOT_CALS);
-    return std::make_unique<Dib>(LoadTiffIntoDIB(path, index, showInfo));
+    return std::make_unique<Dib>(LoadTiffIntoDIB(path, index, 0));
 }
 std::unique_ptr<Dib> loadBytes(const Bytes &tiff, DWORD index = 0) {
     const TempFile file(tiff);
@@ -171,17 +171,6 @@ TEST(LoadDib, FilesThatDoNotOpenHaveTheErrorOfTheOpenCall) {
     EXPECT_EQ(TiffError(), DWORD{VELLUM_BAD_BYTE_ORDER});
     EXPECT_FALSE(*loadBytes({0x49, 0x49, 43, 0, 8, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(TiffError(), DWORD{VELLUM_NOT_TIFF});
-}
-
-TEST(LoadDib, ShowInfoIsTakenAndShowsNothing) {
-    const Picture original = picture(10, 3, {8, 1});
-    const TempFile file(original.tiff());
-    const MessageBoxes boxes;
-    for (const LONG showInfo : {0L, 1L, -1L}) {
-        expectHolds(*load(file.path(), 0, showInfo), original, 3);
-        EXPECT_EQ(TiffError(), DWORD{VELLUM_OK});
-    }
-    EXPECT_EQ(boxes.count(), 0);
 }
 
 TEST(LoadDib, TheFileStaysAsItWas) {

@@ -51,6 +51,10 @@ struct State {
     // What the user does in the save dialog before pressing OK; null: presses Cancel.
     void (*inSaveDialog)() = nullptr;
 
+    // What the information dialog ends with, and how often it was shown.
+    INT_PTR infoDialogAnswer = IDCANCEL;
+    int infoDialogs = 0;
+
     // What the user answers in the two dialogs for CALS headers, and does there; null: presses Cancel.
     LONG (*inCalsInfo)(const char *path) = nullptr;
     LONG (*inCalsEdit)(const char *path, char *header) = nullptr;

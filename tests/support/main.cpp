@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <string>
+
 #ifdef VELLUM_NATIVE
 #include "native/shim.h"
 
@@ -32,6 +34,29 @@ extern "C" const char *__asan_default_options() {
 extern "C" const char *__ubsan_default_options() {
     return "print_stacktrace=1";
 }
+#else
+
+namespace {
+
+// Dialogs, the focus and the clipboard belong to a window station and its desktop. Test programs run side by side, so
+// each has its own. On X there is one for all, where screenshots show it.
+void moveToOwnDesktop() {
+    char graphics[8] = "";
+    if (GetEnvironmentVariableA("VELLUM_WINE_GRAPHICS", graphics, sizeof graphics) != 0) {
+        return;
+    }
+    const std::string name = "vellum-tests-" + std::to_string(GetCurrentProcessId());
+    const HWINSTA station = CreateWindowStationA(name.c_str(), 0, GENERIC_ALL, nullptr);
+    if (station == nullptr || !SetProcessWindowStation(station)) {
+        return;
+    }
+    const HDESK desktop = CreateDesktopA("default", nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+    if (desktop != nullptr) {
+        SetThreadDesktop(desktop);
+    }
+}
+
+} // namespace
 #endif
 
 int main(int argc, char **argv) {
@@ -41,6 +66,7 @@ int main(int argc, char **argv) {
     ::testing::UnitTest::GetInstance()->listeners().Append(new LeftBehind);
 #else
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    moveToOwnDesktop();
 #endif
     return RUN_ALL_TESTS();
 }
