@@ -43,12 +43,15 @@ void openFile(Viewer *viewer, const char *path) {
     updateFrame(viewer);
 }
 
-static OPENFILENAMEA fileDialog(const Viewer *viewer, char *path, DWORD flags) {
+static const char kReadable[] = "TIFF and CALS files\0*.tif;*.tiff;*.cal;*.cals\0All files\0*.*\0";
+static const char kWritable[] = "TIFF files\0*.tif;*.tiff\0All files\0*.*\0";
+
+static OPENFILENAMEA fileDialog(const Viewer *viewer, char *path, const char *filter, DWORD flags) {
     OPENFILENAMEA dialog;
     ZeroMemory(&dialog, sizeof dialog);
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = viewer->window;
-    dialog.lpstrFilter = "TIFF files (*.tif, *.tiff)\0*.tif;*.tiff\0All files (*.*)\0*.*\0";
+    dialog.lpstrFilter = filter;
     dialog.lpstrFile = path;
     dialog.nMaxFile = MAX_PATH;
     dialog.lpstrDefExt = "tif";
@@ -59,7 +62,7 @@ static OPENFILENAMEA fileDialog(const Viewer *viewer, char *path, DWORD flags) {
 
 static void openByDialog(Viewer *viewer) {
     char path[MAX_PATH];
-    OPENFILENAMEA dialog = fileDialog(viewer, path, OFN_FILEMUSTEXIST);
+    OPENFILENAMEA dialog = fileDialog(viewer, path, kReadable, OFN_FILEMUSTEXIST);
     if (GetOpenFileNameA(&dialog)) {
         openFile(viewer, path);
     }
@@ -81,7 +84,7 @@ static BOOL saveByDialog(const Viewer *viewer, const char *path, HGLOBAL dib) {
 /* The page as the file has it: neither turned nor inverted. A file that is there gets one page more. */
 static void savePage(Viewer *viewer) {
     char path[MAX_PATH];
-    OPENFILENAMEA dialog = fileDialog(viewer, path, OFN_PATHMUSTEXIST);
+    OPENFILENAMEA dialog = fileDialog(viewer, path, kWritable, OFN_PATHMUSTEXIST);
     HGLOBAL dib;
     if (!GetSaveFileNameA(&dialog)) {
         return;
@@ -147,7 +150,7 @@ static void runPageCommand(Viewer *viewer, UINT command) {
         }
         break;
     case IDM_COPY:
-        if (!copyPage(&viewer->document)) {
+        if (!copyPage(&viewer->document, viewer->window)) {
             report(viewer, viewer->document.path, "The clipboard could not be opened.");
         }
         break;
@@ -206,8 +209,8 @@ void updateFrame(const Viewer *viewer) {
     HMENU menu = GetMenu(viewer->window);
     char caption[MAX_PATH + 64] = PROGRAM_NAME;
     if (any) {
-        wsprintfA(caption, "%s - page %lu of %lu - " PROGRAM_NAME, document->name, document->page + 1,
-                  document->pageCount);
+        wsprintfA(caption, "%s - page %lu of %lu - " PROGRAM_NAME, document->path + document->nameOffset,
+                  document->page + 1, document->pageCount);
     }
     SetWindowTextA(viewer->window, caption);
 

@@ -1,46 +1,65 @@
 /*
- * The file and its page. What depends on the kind of file stands here: for another kind that the library paints,
- * describe, loadPage, copyPage and showInformation need a second branch, and the file dialog a line.
+ * The file and its page. What depends on the kind of file stands here, and in the file dialog's line of names.
  */
 #include "viewer.h"
 
-/* What a file tells about itself and one of its pages. */
-typedef struct Description {
-    DWORD pageCount;
-    BITMAPINFOHEADER pageSize;
-    DWORD pageError;
-} Description;
+/* ---------------------------------------------------------------- what a file tells ------------------------------- */
 
 /* A page that is damaged is described, too: it has an error in place of a size. */
-static BOOL describe(const char *path, DWORD page, Description *description) {
-    TiffHandle tiff = OpenTiffFile(path, T_READ);
-    ZeroMemory(description, sizeof *description);
+static BOOL describeTiff(Document *document, DWORD page) {
+    BITMAPINFOHEADER header = {sizeof header, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+    PageSize *size = &document->pageSize;
+    TiffHandle tiff = OpenTiffFile(document->path, T_READ);
     if (tiff == NULL) {
         return FALSE;
     }
-    description->pageCount = (DWORD)NumberOfTiffImages(tiff, VELLUM_ALL_IMAGES);
-    if (!GetTiffImage(tiff, page)) {
-        description->pageError = TiffError();
-    } else {
-        description->pageError = GetTiffDimensions(tiff, page, &description->pageSize);
-    }
-    CloseTiffFile(tiff); /* and drops the page */
-    return page < description->pageCount;
-}
-
-static void take(Document *document, DWORD page, const Description *description) {
-    document->pageCount = description->pageCount;
+    document->kind = VELLUM_SHOW_TIFF;
+    document->pageCount = (DWORD)NumberOfTiffImages(tiff, VELLUM_ALL_IMAGES);
     document->page = page;
-    document->pageSize = description->pageSize;
-    document->pageError = description->pageError;
+    document->pageError = GetTiffImage(tiff, page) ? GetTiffDimensions(tiff, page, &header) : TiffError();
+    size->width = header.biWidth;
+    size->height = header.biHeight;
+    size->dotsPerInchX = header.biXPelsPerMeter * 0.0254;
+    size->dotsPerInchY = header.biYPelsPerMeter * 0.0254;
+    CloseTiffFile(tiff); /* and drops the page */
+    return page < document->pageCount;
 }
 
-BOOL openDocument(Document *document, const char *path) {
+static BOOL describeCals(Document *document, DWORD page) {
+    CalsInfo info;
+    PageSize *size = &document->pageSize;
+    if (page > 0 || !ReadCALSInfo(document->path, &info)) {
+        return FALSE;
+    }
+    document->kind = VELLUM_SHOW_CALS;
+    document->pageCount = 1;
+    document->page = 0;
+    document->pageError = VELLUM_OK;
+    size->width = info.rpelcnt[0];
+    size->height = info.rpelcnt[1];
+    size->dotsPerInchX = size->dotsPerInchY = info.rdensty;
+    return TRUE;
+}
+
+static BOOL describe(Document *document, DWORD page) {
+    DWORD error;
+    if (describeTiff(document, page)) {
+        return TRUE;
+    }
+    error = TiffError();
+    if (describeCals(document, page)) {
+        return TRUE;
+    }
+    SetTiffError(error);
+    return FALSE;
+}
+
+/* Result: FALSE, with TiffError telling why, for a path that no file can have. */
+static BOOL setPath(Document *document, const char *path) {
     /* The full path: the current folder may be another one at the next call. */
-    char fullPath[MAX_PATH], *name = NULL;
-    Description description;
-    const DWORD length = GetFullPathNameA(path, sizeof fullPath, fullPath, &name);
-    if (lstrlenA(path) >= MAX_PATH || length >= sizeof fullPath) {
+    char *name = NULL;
+    const DWORD length = GetFullPathNameA(path, sizeof document->path, document->path, &name);
+    if (lstrlenA(path) >= MAX_PATH || length >= sizeof document->path) {
         SetTiffError(VELLUM_PATH_TOO_LONG);
         return FALSE;
     }
@@ -48,35 +67,60 @@ BOOL openDocument(Document *document, const char *path) {
         SetTiffError(VELLUM_IO_ERROR);
         return FALSE;
     }
-    if (!describe(fullPath, 0, &description)) {
+    document->nameOffset = (DWORD)(name - document->path);
+    return TRUE;
+}
+
+BOOL openDocument(Document *document, const char *path) {
+    Document opened;
+    ZeroMemory(&opened, sizeof opened);
+    if (!setPath(&opened, path) || !describe(&opened, 0)) {
         return FALSE;
     }
-    lstrcpyA(document->path, fullPath);
-    document->name = document->path + (name - fullPath);
-    take(document, 0, &description);
+    *document = opened;
     return TRUE;
 }
 
 BOOL goToPage(Document *document, DWORD page) {
-    Description description;
-    if (!describe(document->path, page, &description)) {
+    Document described = *document;
+    if (!describe(&described, page)) {
         return FALSE;
     }
-    take(document, page, &description);
+    *document = described;
     return TRUE;
 }
 
+/* ---------------------------------------------------------------- what is done with a page ------------------------ */
+
 HGLOBAL loadPage(const Document *document) {
-    return LoadTiffIntoDIB(document->path, document->page, FALSE);
+    return document->kind == VELLUM_SHOW_CALS ? LoadCALSIntoDIB(document->path, FALSE)
+                                              : LoadTiffIntoDIB(document->path, document->page, FALSE);
 }
 
-BOOL copyPage(const Document *document) {
+/* For files that the library has no call of its own for. */
+static BOOL copyDib(HGLOBAL dib, HWND owner) {
+    BOOL copied = FALSE;
+    if (dib != NULL && OpenClipboard(owner)) {
+        EmptyClipboard();
+        copied = SetClipboardData(CF_DIB, dib) != NULL;
+        CloseClipboard();
+    }
+    if (dib != NULL && !copied) {
+        GlobalFree(dib); /* else the clipboard's now */
+    }
+    return copied;
+}
+
+BOOL copyPage(const Document *document, HWND owner) {
+    if (document->kind == VELLUM_SHOW_CALS) {
+        return copyDib(loadPage(document), owner);
+    }
     /* The result is 1 also for a file that is not there any more. The error number tells that. */
     return LoadTiffFileIntoClipboard(document->path, document->page, FALSE) && TiffError() == VELLUM_OK;
 }
 
-BOOL showInformation(const Document *document, HWND owner) {
-    /* The loaders show the dialog when they are asked to, and then load. To show it alone, a program runs it itself. */
+/* The loaders show the dialog when they are asked to, and then load. To show it alone, a program runs it itself. */
+static BOOL showTiffInformation(const Document *document, HWND owner) {
     TiffInfoDlgParam shown = {OpenTiffFile(document->path, T_READ), document->page};
     BOOL done =
         shown.tiff != NULL && GetTiffImage(shown.tiff, shown.index) &&
@@ -85,4 +129,9 @@ BOOL showInformation(const Document *document, HWND owner) {
         CloseTiffFile(shown.tiff);
     }
     return done;
+}
+
+BOOL showInformation(const Document *document, HWND owner) {
+    return document->kind == VELLUM_SHOW_CALS ? ShowCALSInfo(owner, document->path) > 0
+                                              : showTiffInformation(document, owner);
 }

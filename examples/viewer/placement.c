@@ -8,11 +8,6 @@
  */
 #include "viewer.h"
 
-/* The resolution as the painter takes it; a page that tells none has the screen's. */
-static double dotsPerInch(LONG dotsPerMetre, LONG screenDotsPerInch) {
-    return dotsPerMetre > 0 ? dotsPerMetre * 0.0254 : (double)screenDotsPerInch;
-}
-
 /* A length on the screen, rounded as the painter does it. */
 static LONG pixels(double length) {
     const LONG most = 0x7FFFFFF;
@@ -34,25 +29,28 @@ static void setRatios(DWORD ratios[4], double factor) {
 }
 
 /* The page as it is turned: its width on the screen is then its height. */
-static BITMAPINFOHEADER turnedPage(const BITMAPINFOHEADER *page, DWORD rotation) {
-    BITMAPINFOHEADER turned = *page;
+static PageSize turnedPage(const PageSize *page, DWORD rotation) {
+    PageSize turned = *page;
     if (rotation == VELLUM_ROTATE_90 || rotation == VELLUM_ROTATE_270) {
-        turned.biWidth = page->biHeight;
-        turned.biHeight = page->biWidth;
-        turned.biXPelsPerMeter = page->biYPelsPerMeter;
-        turned.biYPelsPerMeter = page->biXPelsPerMeter;
+        turned.width = page->height;
+        turned.height = page->width;
+        turned.dotsPerInchX = page->dotsPerInchY;
+        turned.dotsPerInchY = page->dotsPerInchX;
     }
     return turned;
 }
 
-Placement placePage(const BITMAPINFOHEADER *page, const View *view, const SIZE *client, const SIZE *screenDotsPerInch) {
-    const BITMAPINFOHEADER turned = turnedPage(page, view->rotation);
-    const double width =
-        turned.biWidth / dotsPerInch(turned.biXPelsPerMeter, screenDotsPerInch->cx) * screenDotsPerInch->cx;
-    const double height =
-        turned.biHeight / dotsPerInch(turned.biYPelsPerMeter, screenDotsPerInch->cy) * screenDotsPerInch->cy;
+/* What VELLUM_SHOW_BY_RESOLUTION makes of a length. A page that tells no resolution has the screen's. */
+static double trueLength(LONG length, double dotsPerInch, LONG screenDotsPerInch) {
+    return dotsPerInch > 0 ? length / dotsPerInch * screenDotsPerInch : (double)length;
+}
+
+Placement placePage(const PageSize *page, const View *view, const SIZE *client, const SIZE *screenDotsPerInch) {
+    const PageSize turned = turnedPage(page, view->rotation);
+    const double width = trueLength(turned.width, turned.dotsPerInchX, screenDotsPerInch->cx);
+    const double height = trueLength(turned.height, turned.dotsPerInchY, screenDotsPerInch->cy);
     double factor = 1;
-    Placement placement = {view->rotation, {0, 0, 0, 0}, {turned.biWidth, turned.biHeight}};
+    Placement placement = {view->rotation, {0, 0, 0, 0}, {turned.width, turned.height}};
     if (view->sizing == SIZING_FIT && width > 0 && height > 0) {
         factor = client->cx / width < client->cy / height ? client->cx / width : client->cy / height;
     }

@@ -13,14 +13,23 @@
 
 /* ---------------------------------------------------------------- document.c -------------------------------------- */
 
+/* Pixels, and dots per inch: 0 for a page that does not tell. */
+typedef struct PageSize {
+    LONG width;
+    LONG height;
+    double dotsPerInchX;
+    double dotsPerInchY;
+} PageSize;
+
 /* A file and the page of it that is shown. No file is kept open: the library opens it for every call. */
 typedef struct Document {
     char path[MAX_PATH];
-    const char *name;          /* the last part of path; use it only while this Document stays where it is */
-    DWORD pageCount;           /* 0: no document */
-    DWORD page;                /* from 0 */
-    BITMAPINFOHEADER pageSize; /* pixels and dots per metre; all 0 when the page cannot be described */
-    DWORD pageError;           /* why it cannot be */
+    DWORD nameOffset;  /* where the last part of path begins */
+    LONG kind;         /* VELLUM_SHOW_TIFF, VELLUM_SHOW_CALS */
+    DWORD pageCount;   /* 0: no document */
+    DWORD page;        /* from 0 */
+    PageSize pageSize; /* all 0 when the page cannot be described */
+    DWORD pageError;   /* why it cannot be */
 } Document;
 
 /* Opens a file at its first page. Result: FALSE, with TiffError telling why, leaves *document as it was. */
@@ -33,7 +42,7 @@ BOOL goToPage(Document *document, DWORD page);
 HGLOBAL loadPage(const Document *document);
 
 /* Puts the page onto the clipboard. Result: FALSE, with TiffError telling why, unless the clipboard is in use. */
-BOOL copyPage(const Document *document);
+BOOL copyPage(const Document *document, HWND owner);
 
 /* Shows the library's information dialog. Result: FALSE, with TiffError telling why, when it could not be shown. */
 BOOL showInformation(const Document *document, HWND owner);
@@ -61,8 +70,7 @@ typedef struct Placement {
     SIZE size;
 } Placement;
 
-/* The page must have a size. */
-Placement placePage(const BITMAPINFOHEADER *page, const View *view, const SIZE *client, const SIZE *screenDotsPerInch);
+Placement placePage(const PageSize *page, const View *view, const SIZE *client, const SIZE *screenDotsPerInch);
 
 /* ---------------------------------------------------------------- view.c ------------------------------------------ */
 

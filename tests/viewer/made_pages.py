@@ -1,4 +1,4 @@
-"""The pages that the viewer is shown: uncompressed TIFFs whose pixels are known, written byte by byte."""
+"""The pages that the viewer is shown, written byte by byte: uncompressed TIFFs and a CALS file whose pixels are known."""
 import struct
 
 RED, GREEN, BLUE, YELLOW = (255, 0, 0), (0, 255, 0), (0, 0, 255), (255, 255, 0)
@@ -10,6 +10,9 @@ QUARTERS = (400, 300)
 FAX = (816, 392)
 # Page 3: cells of different colours, by a colour table, 96 dots per inch.
 CELLS, CELL = (1600, 1200), (200, 150)
+
+# A drawing in a CALS file, 48 dots per inch; its upper left quarter is black.
+DRAWING = (128, 96)
 
 
 def cell_color(column, row):
@@ -108,3 +111,17 @@ def cut_off():
     """One page, of which 100 lines are there."""
     page = quarters()
     return tiff([page])[:-len(page.data) + 100 * QUARTERS[0] * 3]
+
+
+def drawing():
+    """A CALS file. In its Group 4 code 1 means that a line's change lies where that of the line above does."""
+    black_half = "001" "00110101" "0000001111" "0000110111" "1"  # horizontal: 0 white, 64 black pixels
+    white_below_black = "0001" "1"                               # the black run above is passed over
+    end = "000000000001" * 2
+    half = DRAWING[1] // 2
+    bits = black_half + "111" * (half - 1) + white_below_black + "1" * (half - 1) + end
+    bits += "0" * (-len(bits) % 8)
+    records = ["srcdocid: NONE", "dstdocid: NONE", "txtfilid: NONE", "figid: NONE", "srcgph: NONE", "doccls: NONE",
+               "rtype: 1", "rorient: 000,270", "rpelcnt: %06d,%06d" % DRAWING, "rdensty: 0048", "notes: a drawing"]
+    header = b"".join(record.encode().ljust(128) for record in records).ljust(2048)
+    return header + int(bits, 2).to_bytes(len(bits) // 8, "big")

@@ -47,6 +47,29 @@ class ViewerTest(unittest.TestCase):
         """Starts a viewer with a file on its command line."""
         return self.start(windows_path(self.file(name, content or made_pages.three_pages())))
 
+    def save_as(self, viewer, path):
+        viewer.press("ctrl+s")
+        viewer.has_dialog("Save As")
+        viewer.type(windows_path(path))
+        viewer.press("Return")
+
+    def save(self, viewer, path, downs):
+        """Saves with the compression that is so many arrow keys away from the first one."""
+        self.save_as(viewer, path)
+        viewer.until(lambda: (viewer.dialog() or "").startswith("Saving"), "the save dialog")
+        viewer.press(*["Down"] * downs, "Return")
+        viewer.has_no_dialog()
+        viewer.until(lambda: os.path.exists(path), "the file")
+
+    def same_pixels(self, path, page, data, compression):
+        """libtiff's judgement of a page that was saved."""
+        said = subprocess.run(["tiffinfo", "-%d" % page, path], capture_output=True, text=True, check=True).stdout
+        self.assertIn("Compression Scheme: " + compression, said)
+        plain = os.path.join(self.options.work, "plain.tif")
+        subprocess.run(["tiffcp", "-c", "none", "-r", "100000", "%s,%d" % (path, page), plain], check=True)
+        with open(plain, "rb") as file:
+            self.assertIn(data, file.read())
+
 
 class Opening(ViewerTest):
     def test_a_window_without_a_file_says_what_to_do(self):
@@ -114,6 +137,42 @@ class Opening(ViewerTest):
         viewer.shows({(10, 10): BLACK, (470, 470): WHITE})
         viewer.press("Next")
         viewer.has_caption("pages.tif - page 3 of 3 - Viewer")
+
+
+class CalsFiles(ViewerTest):
+    def test_a_cals_file_is_shown_in_every_size_and_turned(self):
+        viewer = self.open(made_pages.drawing(), "drawing.cal")
+        viewer.has_caption("drawing.cal - page 1 of 1 - Viewer")
+        viewer.shows({(0, 0): BLACK, (317, 237): BLACK, (322, 237): WHITE, (317, 242): WHITE, (639, 479): WHITE})
+        viewer.press("ctrl+2")
+        viewer.shows({(127, 95): BLACK, (128, 95): WHITE, (127, 96): WHITE, (255, 191): WHITE, (256, 191): BACKGROUND})
+        viewer.press("ctrl+1")
+        viewer.shows({(63, 47): BLACK, (64, 47): WHITE, (127, 95): WHITE, (128, 95): BACKGROUND})
+        viewer.press("ctrl+0", "ctrl+r")
+        viewer.shows({(357, 0): BLACK, (182, 237): BLACK, (177, 0): WHITE, (357, 242): WHITE, (362, 0): BACKGROUND})
+        viewer.press("ctrl+i")
+        viewer.shows({(357, 0): WHITE, (177, 0): BLACK, (362, 0): BACKGROUND})
+
+    def test_a_cals_file_is_copied(self):
+        viewer = self.open(made_pages.drawing(), "drawing.cal")
+        viewer.press("ctrl+c")
+        viewer.until(lambda: viewer.probe.ask("clipboard") == "128 96", "the drawing on the clipboard")
+        self.assertEqual(viewer.probe.ask("clipboard", 63, 47, 64, 47, 63, 48),
+                         "128 96 0 0 0 255 255 255 255 255 255")
+
+    def test_the_information_about_a_cals_file_is_its_header(self):
+        viewer = self.open(made_pages.drawing(), "drawing.cal")
+        viewer.press("alt+Return")
+        viewer.until(lambda: (viewer.dialog(111) or "").endswith("drawing.cal"), "the file's name in the dialog")
+        viewer.press("Return")
+        viewer.has_no_dialog()
+
+    def test_a_cals_file_is_saved_as_tiff(self):
+        path = os.path.join(self.options.work, "drawing.tif")
+        viewer = self.open(made_pages.drawing(), "drawing.cal")
+        self.save(viewer, path, 0)
+        half = made_pages.DRAWING[1] // 2
+        self.same_pixels(path, 0, (b"\xff" * 8 + bytes(8)) * half + bytes(16) * half, "None")
 
 
 class Pages(ViewerTest):
@@ -328,36 +387,13 @@ class TakingPages(ViewerTest):
         self.assertEqual(viewer.probe.ask("clipboard", 407, 195, 408, 195, 407, 196),
                          "816 392 0 0 0 255 255 255 255 255 255")
 
-    def save_as(self, viewer, path):
-        viewer.press("ctrl+s")
-        viewer.has_dialog("Save As")
-        viewer.type(windows_path(path))
-        viewer.press("Return")
-
-    def save(self, viewer, path, downs):
-        """Saves with the compression that is so many arrow keys away from the first one."""
-        self.save_as(viewer, path)
-        viewer.until(lambda: (viewer.dialog() or "").startswith("Saving"), "the save dialog")
-        viewer.press(*["Down"] * downs, "Return")
-        viewer.has_no_dialog()
-        viewer.until(lambda: os.path.exists(path), "the file")
-
-    def same_pixels(self, path, page, original, compression):
-        """libtiff's judgement of a page that was saved."""
-        said = subprocess.run(["tiffinfo", "-%d" % page, path], capture_output=True, text=True, check=True).stdout
-        self.assertIn("Compression Scheme: " + compression, said)
-        plain = os.path.join(self.options.work, "plain.tif")
-        subprocess.run(["tiffcp", "-c", "none", "-r", "100000", "%s,%d" % (path, page), plain], check=True)
-        with open(plain, "rb") as file:
-            self.assertIn(original.data, file.read())
-
     def test_save_as_writes_the_page_in_the_chosen_compression(self):
         path = os.path.join(self.options.work, "saved.tif")
         viewer = self.open()
         viewer.press("Next", "Next")
         viewer.shows({(630, 470): cell_color(7, 7)})
         self.save(viewer, path, 1)
-        self.same_pixels(path, 0, made_pages.cells(), "PackBits")
+        self.same_pixels(path, 0, made_pages.cells().data, "PackBits")
 
         # The same name again: the page is added when the user agrees.
         viewer.press("Prior")
@@ -371,7 +407,7 @@ class TakingPages(ViewerTest):
         viewer.has_caption("pages.tif - page 2 of 3 - Viewer")
         viewer.press("Prior")
         viewer.shows({(10, 10): RED})
-        self.same_pixels(path, 1, made_pages.fax(), "None")
+        self.same_pixels(path, 1, made_pages.fax().data, "None")
 
     def test_a_save_that_is_cancelled_writes_nothing(self):
         path = os.path.join(self.options.work, "cancelled.tif")
