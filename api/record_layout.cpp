@@ -40,6 +40,21 @@ VELLUM_FIELD(CalsNotes, scrgph, 16);
 VELLUM_FIELD(CalsNotes, doccls, 20);
 VELLUM_FIELD(CalsNotes, notes, 24);
 
+static_assert(sizeof(FaxPageParams) == 488);
+VELLUM_FIELD(FaxPageParams, textFile, 0);
+VELLUM_FIELD(FaxPageParams, pageWidth, 256);
+VELLUM_FIELD(FaxPageParams, pageHeight, 260);
+VELLUM_FIELD(FaxPageParams, leftMargin, 264);
+VELLUM_FIELD(FaxPageParams, topMargin, 268);
+VELLUM_FIELD(FaxPageParams, fontFace, 272);
+VELLUM_FIELD(FaxPageParams, fontSize, 400);
+VELLUM_FIELD(FaxPageParams, horizontalResolution, 404);
+VELLUM_FIELD(FaxPageParams, verticalResolution, 408);
+VELLUM_FIELD(FaxPageParams, lineSpacing, 412);
+VELLUM_FIELD(FaxPageParams, tabStops, 416);
+VELLUM_FIELD(FaxPageParams, flags, 480);
+VELLUM_FIELD(FaxPageParams, fontDescription, 484);
+
 static_assert(sizeof(CodecState) == 176);
 VELLUM_FIELD(CodecState, codePointer, 0);
 VELLUM_FIELD(CodecState, linePointer, 4);

@@ -2,12 +2,16 @@
 # shows dialogs or uses the clipboard is added to VELLUM_GDI_SOURCES.
 set(VELLUM_FOLDERS support core codec display write cals annot api)
 set(VELLUM_GDI_SOURCES
+    annot/fax_page.cpp
+    annot/overlay.cpp
+    annot/text_drawing.cpp
     cals/cals_dialogs.cpp
     cals/edit_dialog.cpp
     cals/info_dialog.cpp
     cals/paint_cals.cpp
     display/bitmap_lines.cpp
     display/clipboard.cpp
+    display/dib_bitmap.cpp
     display/info_dialog.cpp
     display/load_bitmap.cpp
     display/paint_tiff.cpp

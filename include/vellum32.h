@@ -148,6 +148,28 @@ typedef struct CalsNotes {
     const char *notes;     /* "notes: ", anything else */
 } CalsNotes;
 
+/*
+ * A fax page and the text that it is to be filled with (CreateFaxPageFromASCII, BitmapFormOverlay). Lengths are counted
+ * in millimetres, or with VELLUM_FAX_HUNDREDTHS in hundredths of an inch; on the page they become pixels, fractions
+ * dropped, first of a hundredth of an inch and then of a pixel. Path and face may do without their terminators.
+ */
+typedef struct FaxPageParams {
+    char textFile[256];              /* path of the text */
+    DWORD pageWidth;                 /* length */
+    DWORD pageHeight;                /* length */
+    DWORD leftMargin;                /* length, on the right too */
+    DWORD topMargin;                 /* length, at the bottom too */
+    char fontFace[128];              /* name of a font, of which 31 characters count; empty: the system's own font */
+    DWORD fontSize;                  /* points */
+    DWORD horizontalResolution;      /* dots per inch */
+    DWORD verticalResolution;        /* dots per inch */
+    DWORD lineSpacing;               /* length, between lines, added to the font's height */
+    DWORD tabStops[16];              /* lengths from the left margin */
+    DWORD flags;                     /* VELLUM_FAX_HUNDREDTHS, _ITALIC, _BOLD */
+    const LOGFONTA *fontDescription; /* NULL, or the font to use instead of fontFace, italic and bold, all but its
+                                        height; only looked at when fontFace is not empty */
+} FaxPageParams;
+
 #pragma pack(pop)
 
 /*
@@ -1075,6 +1097,84 @@ DWORD VELLUMAPI SaveAnnotationIntoTiff(TiffHandle tiff, DWORD annotations, DWORD
 
 /* Result: the set that the module makes of the stored bytes, or 0. */
 DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
+
+/* ---------------------------------------------------------------- fax pages and overlays -------------------------- */
+
+/* Flags of FaxPageParams. */
+#define VELLUM_FAX_HUNDREDTHS 1 /* lengths are hundredths of an inch, not millimetres */
+#define VELLUM_FAX_ITALIC 2
+#define VELLUM_FAX_BOLD 4
+
+/* What CreateFaxPageFromASCII makes. Any other number counts as 10. */
+#define VELLUM_FAX_BITMAPS 10 /* device-dependent bitmaps, to be deleted with DeleteObject */
+#define VELLUM_FAX_DIBS 11    /* packed DIBs, to be freed with GlobalFree */
+
+/* What it tells of its work. */
+#define VELLUM_FAX_COMPLETE 0      /* the whole text is on the pages */
+#define VELLUM_FAX_NOTHING_TO_DO 1 /* no record, no array for the pages, or a page limit of 0 */
+#define VELLUM_FAX_PAGE_LIMIT 2    /* the text goes on behind the last page that there was room for */
+#define VELLUM_FAX_NO_TEXT 3       /* the text file could not be opened */
+#define VELLUM_FAX_NO_MEMORY 4     /* a page, its DIB or the memory device context could not be made */
+
+/*
+ * Draws a text file on pages, black on white, 1 bit per pixel.
+ *   params    the page, its font, the file; stays as it is
+ *   maxPages  how many handles there is room for
+ *   pages     receives the pages, which belong to the caller then; entries behind the last page stay as they are
+ *   kind      VELLUM_FAX_BITMAPS or VELLUM_FAX_DIBS
+ *   bitmap    NULL, or a bitmap to draw the first page on, as it is and with a transparent background. It must not be
+ *             selected into a device context, and stays the caller's in any case. With VELLUM_FAX_BITMAPS it is
+ * pages[0], and the other pages are the library's. With VELLUM_FAX_DIBS pages[0] is a DIB of it (of its depth, or of 24
+ * bits per pixel where that is not 1, 4 or 8), and all other pages are drawn on it in turn, cleared. status    NULL, or
+ * receives VELLUM_FAX_COMPLETE ... A carriage return, with the byte behind it, ends a line; a tab leads to the next of
+ * the tab stops, unless that has been passed already; all other bytes below 32 are left out, line feeds and form feeds
+ * too. A line that reaches the right margin goes on below, behind its last blank or ! , - . : ; ? if it has one. A page
+ * is full when the next line would begin in the bottom margin: a text that fills its page to the last line and ends
+ * that line has one more page. DIBs have the record's resolutions. Result: the number of pages. The error number is not
+ * touched.
+ */
+DWORD VELLUMAPI CreateFaxPageFromASCII(const FaxPageParams *params, DWORD maxPages, HANDLE *pages, DWORD kind,
+                                       HBITMAP bitmap, DWORD *status);
+
+/* The same for bitmaps, and for DIBs, without a bitmap of the caller's. */
+DWORD VELLUMAPI CreateBMPFaxPageFromASCII(const FaxPageParams *params, DWORD maxPages, HANDLE *pages, DWORD *status);
+DWORD VELLUMAPI CreateDIBFaxPageFromASCII(const FaxPageParams *params, DWORD maxPages, HANDLE *pages, DWORD *status);
+
+/*
+ * Prints a text file on a form.
+ *   tiffPath  the form: image 0 of a TIFF
+ *   params    as for CreateFaxPageFromASCII; the page is the form, whatever its size
+ * Only the text's first page is used. Result: the form with the text, a bitmap for the screen; or NULL when the form
+ * could not be loaded. When there is something wrong with the text, the form comes without it.
+ * Errors: as LoadTiffIntoBitmap, of the form alone.
+ */
+HBITMAP VELLUMAPI BitmapFormOverlay(const char *tiffPath, const FaxPageParams *params);
+
+/* The same as a packed DIB, with the record's resolutions; NULL also when there is something wrong with the text. */
+HGLOBAL VELLUMAPI DIBFormOverlay(const char *tiffPath, const FaxPageParams *params);
+
+/*
+ * Prints some lines of text on a copy of a picture, in black, with a transparent background.
+ *   bitmap       stays the caller's and as it is
+ *   x, y         where the first line begins, from the upper left corner, in pixels of the screen: on a picture of
+ *                another resolution they are scaled
+ *   text         ends with a zero; every line feed begins a line, a carriage return alone does not
+ *   face         name of a font, of which 31 characters count
+ *   points       its size
+ *   xResolution  the picture's dots per inch; 0 for the screen's
+ *   yResolution  likewise
+ * Nothing is drawn to the left of x or above y, counted in pixels of the picture. Lines are not wrapped.
+ * Result: a new bitmap of the same size and depth, or NULL. Sets no error number.
+ */
+HBITMAP VELLUMAPI BitmapTextOverlay(HBITMAP bitmap, LONG x, LONG y, const char *text, const char *face, DWORD points,
+                                    DWORD xResolution, DWORD yResolution);
+
+/*
+ * The same of a packed DIB (1, 4, 8, 16, 24 or 32 bits per pixel, uncompressed, bottom-up), by its own resolution. The
+ * text has the nearest colour to black that the DIB's colour table has. Result: a new DIB of the same depth, colours
+ * and resolution (dots per inch being a whole number), or NULL.
+ */
+HGLOBAL VELLUMAPI DIBTextOverlay(HGLOBAL dib, LONG x, LONG y, const char *text, const char *face, DWORD points);
 
 #ifdef __cplusplus
 }

@@ -64,6 +64,8 @@ public:
             SelectObject(dc_, previous_);
         }
     }
+    // False for what cannot be selected, as a bitmap that another device context has.
+    [[nodiscard]] bool selected() const { return previous_ != nullptr; }
 
 private:
     HDC dc_;

@@ -1,0 +1,26 @@
+// Fonts and lines of text on a device context, for pages, overlays and notes.
+#pragma once
+
+#include "support/gdi_objects.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace vellum {
+
+using OwnedFont = GdiObject<HFONT>;
+
+// The height that a font of so many points has to be asked for with.
+LONG fontHeight(DWORD points, DWORD dotsPerInch);
+
+// Copies a face name as far as a font's record holds it. It ends at a zero or with the characters that there are.
+void setFace(LOGFONTA &font, std::string_view face);
+
+// A line's height and the space between lines, in the device context's font.
+LONG lineHeightOf(HDC dc);
+
+// Draws a line of any length with its upper left corner there; parts out of a bitmap's reach are left out.
+//   clip  where it may be drawn; null for everywhere
+void drawTextLine(HDC dc, std::int64_t x, std::int64_t y, std::string_view text, const RECT *clip = nullptr);
+
+} // namespace vellum
