@@ -55,6 +55,16 @@ VELLUM_FIELD(FaxPageParams, tabStops, 416);
 VELLUM_FIELD(FaxPageParams, flags, 480);
 VELLUM_FIELD(FaxPageParams, fontDescription, 484);
 
+static_assert(sizeof(NoteRecord) == 32);
+VELLUM_FIELD(NoteRecord, inHeader, 0);
+VELLUM_FIELD(NoteRecord, opaque, 4);
+VELLUM_FIELD(NoteRecord, text, 8);
+VELLUM_FIELD(NoteRecord, left, 12);
+VELLUM_FIELD(NoteRecord, top, 16);
+VELLUM_FIELD(NoteRecord, right, 20);
+VELLUM_FIELD(NoteRecord, bottom, 24);
+VELLUM_FIELD(NoteRecord, image, 28);
+
 static_assert(sizeof(CodecState) == 176);
 VELLUM_FIELD(CodecState, codePointer, 0);
 VELLUM_FIELD(CodecState, linePointer, 4);

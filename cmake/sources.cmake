@@ -5,6 +5,11 @@ set(VELLUM_GDI_SOURCES
     annot/fax_page.cpp
     annot/overlay.cpp
     annot/text_drawing.cpp
+    annot/note.cpp
+    annot/note_dialog.cpp
+    annot/note_drawing.cpp
+    annot/note_burning.cpp
+    annot/paint_dib.cpp
     cals/cals_dialogs.cpp
     cals/edit_dialog.cpp
     cals/info_dialog.cpp

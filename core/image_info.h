@@ -30,6 +30,7 @@ enum class Tag : WORD {
     Software = 305,
     DateTime = 306,
     Artist = 315,
+    HostComputer = 316,
     Predictor = 317,
     ColorMap = 320,
     TileWidth = 322,

@@ -4,6 +4,8 @@
 
 #include "core/error.h"
 
+struct NoteRecord;
+
 namespace vellum {
 
 struct MemoryStreamSlot {
@@ -52,6 +54,12 @@ struct CalsEditState {
     char *records[kCalsEditTexts] = {}; // those of them that hold texts, in the order of CalsNotes
 };
 
+// What the dialog for notes works on.
+struct NoteDialogState {
+    NoteRecord *note = nullptr;
+    HANDLE brush = nullptr; // of the dialog's background
+};
+
 struct LibraryState {
     // core/error.cpp: written by every call that fails.
     Error lastError = Error::None;
@@ -94,6 +102,9 @@ struct LibraryState {
 
     // cals/edit_dialog.cpp: valid while EditCALSHead runs; else all null.
     CalsEditState calsEdit;
+
+    // annot/note_dialog.cpp: valid while the dialog for notes is there; else all null.
+    NoteDialogState noteDialog;
 
     // codec/decode_tiff.cpp: 1 while a decode that starts behind the first strip runs, and after any decode.
     DWORD partialDecode = 0;

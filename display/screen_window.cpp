@@ -81,18 +81,22 @@ Extent hideScrollBars(HWND window, HDC dc) {
     return showScrollBars(window, dc, {});
 }
 
-void finishWindow(HWND window, HDC dc, const Extent &client, const Extent &picture) {
-    if (window == nullptr) {
-        return;
-    }
+void fillBackground(HWND window, HDC dc, const Extent &client, const RECT &picture) {
     if (HBRUSH brush = classBrush(window); brush != nullptr) {
         const PixelUnits pixels(dc);
-        if (!picture.empty()) {
-            ExcludeClipRect(dc, 0, 0, picture.width, picture.height);
+        if (picture.left < picture.right && picture.top < picture.bottom) {
+            ExcludeClipRect(dc, picture.left, picture.top, picture.right, picture.bottom);
         }
         SelectObject(dc, brush);
         PatBlt(dc, 0, 0, client.width, client.height, PATCOPY);
     }
+}
+
+void finishWindow(HWND window, HDC dc, const Extent &client, const Extent &picture) {
+    if (window == nullptr) {
+        return;
+    }
+    fillBackground(window, dc, client, {0, 0, picture.width, picture.height});
     ValidateRect(window, nullptr);
 }
 

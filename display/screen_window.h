@@ -19,8 +19,11 @@ Extent arrangeScrollBars(HWND window, HDC dc, const Extent &target);
 // The same without any scroll bar.
 Extent hideScrollBars(HWND window, HDC dc);
 
-// Fills the client area with the brush of the window's class, but for the picture, which lies in the upper left corner.
-// Then nothing of the window is left to be painted.
+// Fills the client area with the brush of the window's class, but for the picture. The device context is left as it
+// was.
+void fillBackground(HWND window, HDC dc, const Extent &client, const RECT &picture);
+
+// The same for a picture in the upper left corner. Then nothing of the window is left to be painted.
 void finishWindow(HWND window, HDC dc, const Extent &client, const Extent &picture);
 
 } // namespace vellum

@@ -170,6 +170,21 @@ typedef struct FaxPageParams {
                                         height; only looked at when fontFace is not empty */
 } FaxPageParams;
 
+/*
+ * A note: some lines of text with a place on an image. It belongs to the caller, and so do its blocks, except where a
+ * function's text says that it frees one.
+ */
+typedef struct NoteRecord {
+    LONG inHeader; /* not 0: the note is kept as a text, in a tag; 0: it is, or is to be, part of the pixels */
+    LONG opaque;   /* not 0: its background is filled */
+    HGLOBAL text;  /* movable block: the text, lines separated by CR LF, with a NUL; NULL when there is no note */
+    LONG left;     /* its rectangle in pixels of the image; right and bottom lie outside */
+    LONG top;
+    LONG right;
+    LONG bottom;
+    HGLOBAL image; /* packed DIB, or NULL: the image that a note is placed on, and burned into */
+} NoteRecord;
+
 #pragma pack(pop)
 
 /*
@@ -1175,6 +1190,93 @@ HBITMAP VELLUMAPI BitmapTextOverlay(HBITMAP bitmap, LONG x, LONG y, const char *
  * and resolution (dots per inch being a whole number), or NULL.
  */
 HGLOBAL VELLUMAPI DIBTextOverlay(HGLOBAL dib, LONG x, LONG y, const char *text, const char *face, DWORD points);
+
+/* ---------------------------------------------------------------- notes ------------------------------------------- */
+
+/* Placing a note, and painting. */
+#define VELLUM_NOTE_BY_RESOLUTION 0x4 /* NotePlus: the image is shown at its true size on the screen */
+#define VELLUM_NOTE_CENTERED 0x80     /* NotePlus: an image that is smaller than the window stands in its middle */
+
+/*
+ * Stores a note in a tag of an image of an open TIFF: tag 316, ASCII, as in "~,1,O,10,20,110,52,6,Hello": O or, for a
+ * transparent note, T; left, top, right, bottom; the low 16 bits of the size of the text's block; the text. Nothing
+ * else of the record counts. The file on disk stays as it is: AddTiffTagToImage, or the writing of the image, changes
+ * it. Result: 1, or 0: no handle, no text, no memory for it. Errors: those of GetTiffImage and
+ * DefineTiffImageInfoBuffer.
+ */
+LONG VELLUMAPI AddNoteTagToTiff(TiffHandle tiff, DWORD index, const NoteRecord *note);
+
+/*
+ * Reads it.
+ *   note  gets everything but the image; text is a new block that the caller frees, the one before is not freed. When
+ *         there is no note it stays as it is.
+ * The block has the size that the tag tells, or as much as the text needs if that is more. In a number every character
+ * counts as a digit, so that a minus sign gives a wrong number.
+ * Result: 1, or 0 when there is no note, also when tag 316 holds something else.
+ * Errors: those of GetTiffImage and GetTiffImageInfoBuffer.
+ */
+LONG VELLUMAPI GetNoteTagFromTiff(TiffHandle tiff, DWORD index, NoteRecord *note);
+
+/*
+ * Lets the user write a note (dialog NOTEITDLG), and does with it what he chose.
+ *   window  shows the image: its scroll positions are added to the note's place, its device context's font measures the
+ *           text. NULL: the screen
+ * "Store" puts a new block into text, without freeing the one that was there, and gives the rectangle the text's size.
+ * With "Stored text on Image" the note is then burned into the image: image becomes a new DIB of the same depth,
+ * colours and resolution, text is freed and NULL. The old DIB stays the caller's. "Delete" frees the text and clears
+ * inHeader.
+ * Result: 1 for a note that was stored (also when burning failed: text is still there then); 0 for "Cancel", "Delete",
+ * and a note for the pixels without an image.
+ */
+LONG VELLUMAPI Note(HWND window, NoteRecord *note);
+
+/*
+ * The same at a place that the user clicked.
+ *   clickPoint   NULL, or a point of the client area; without it the offset is added to the note's place
+ *   imageOffset  NULL, or the image pixel in the upper left corner of the client area. Without it the scroll bars tell,
+ *                whose positions count in pixels of the image
+ *   zoom         NULL, or numerator and denominator of the horizontal scale, and those of the vertical one. A pair that
+ *                is not above zero counts for nothing.
+ *   flags        VELLUM_NOTE_...
+ * Result: 1 for a note in the header, and for one that was burned; else 0. "Delete" leaves inHeader as it is.
+ */
+LONG VELLUMAPI NotePlus(HWND window, NoteRecord *note, const POINT *clickPoint, const POINT *imageOffset,
+                        const LONG *zoom, DWORD flags);
+
+/*
+ * The procedure of the dialog, template "NOTEITDLG" in the library's resources; WM_INITDIALOG's lParam is the
+ * NoteRecord. It ends with 2 for "Store", 1 for "Delete", 0 for "Cancel".
+ */
+INT_PTR VELLUMAPI NoteDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+/*
+ * Draws a note that is kept as a text over an image that was painted before, in the device context's font and colours.
+ *   window             counts for nothing
+ *   imageOffset        the image pixel that is shown at destinationOrigin; NULL for 0, 0
+ *   xScale, yScale     pixels of the device for one of the image
+ *   destinationOrigin  in the device context; NULL for 0, 0
+ * The rectangle's place is scaled, its size is not. A line shows its first 40 characters, empty lines are left out. A
+ * note that begins left of the image offset, or above it, is not drawn at all.
+ * Result: 1 if it was drawn, else 0.
+ */
+LONG VELLUMAPI PaintNotePlus(HWND window, HDC dc, const POINT *imageOffset, double xScale, double yScale,
+                             const POINT *destinationOrigin, const NoteRecord *note);
+
+/*
+ * Answers WM_PAINT: shows a packed DIB in a window, and a note over it.
+ *   dib   NULL: the window is validated, and nothing is painted
+ *   area  NULL, or the part of the client area that the image is to be seen in
+ *   zoom  NULL, or numerator and denominator of the horizontal scale, and those of the vertical one. A pair with a zero
+ *         counts for nothing.
+ *   mode  VELLUM_SHOW_FIT: the whole image, in its proportions, and no note. VELLUM_SHOW_INVERTED: with NOTSRCCOPY
+ *   note  NULL, or the note, which is shown if it is kept as a text
+ * Otherwise the image has its true size on the screen, times the zoom; one without a resolution has the screen's.
+ * Scroll bars are as those of DecompressTiffToScreen. The note's text is not scaled; what it may cover is its rectangle
+ * by the image's resolution. The rest of the client area is filled with the brush of the window's class.
+ * Result: 1, or 0 for a window that cannot be painted.
+ */
+LONG VELLUMAPI PaintDIBWithNote(HWND window, HGLOBAL dib, const RECT *area, const LONG *zoom, DWORD mode,
+                                const NoteRecord *note);
 
 #ifdef __cplusplus
 }

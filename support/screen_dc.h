@@ -1,4 +1,4 @@
-// The screen's device context, held for the length of a scope.
+// The device context of the screen, or of a window's client area, held for the length of a scope.
 #pragma once
 
 #include <windows.h>
@@ -7,12 +7,12 @@ namespace vellum {
 
 class ScreenDc {
 public:
-    ScreenDc() : dc_(GetDC(nullptr)) {}
+    explicit ScreenDc(HWND window = nullptr) : window_(window), dc_(GetDC(window)) {}
     ScreenDc(const ScreenDc &) = delete;
     ScreenDc &operator=(const ScreenDc &) = delete;
     ~ScreenDc() {
         if (dc_ != nullptr) {
-            ReleaseDC(nullptr, dc_);
+            ReleaseDC(window_, dc_);
         }
     }
 
@@ -20,6 +20,7 @@ public:
     [[nodiscard]] HDC get() const { return dc_; }
 
 private:
+    HWND window_;
     HDC dc_;
 };
 

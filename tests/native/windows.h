@@ -114,6 +114,16 @@ struct LOGFONTA {
     BYTE lfPitchAndFamily;
     CHAR lfFaceName[32];
 };
+struct POINT {
+    LONG x;
+    LONG y;
+};
+struct RECT {
+    LONG left;
+    LONG top;
+    LONG right;
+    LONG bottom;
+};
 struct BITMAPINFO {
     BITMAPINFOHEADER bmiHeader;
     RGBQUAD bmiColors[1];

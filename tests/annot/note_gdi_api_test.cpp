@@ -1,0 +1,253 @@
+// Windows: notes from the dialog to their place, by Note and NotePlus.
+#include "annot/plain_notes.h"
+#include "support/dialog_user.h"
+#include "support/gdi_calls.h"
+#include "write/packed_dibs.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace vellum::test;
+
+constexpr int kOnImage = 1000;
+constexpr int kInHeader = 1001;
+constexpr int kDelete = 1005;
+
+// The user presses the buttons one after the other.
+LONG note(HWND window, NoteRecord &record, const std::vector<int> &buttons) {
+    const DialogUser user([&](HWND dialog) {
+        for (const int button : buttons) {
+            press(dialog, button);
+        }
+    });
+    const LONG result = Note(window, &record);
+    EXPECT_TRUE(user.acted());
+    return result;
+}
+
+struct View {
+    std::optional<POINT> click = {};
+    std::optional<POINT> offset = {};
+    std::optional<std::array<LONG, 4>> zoom = {};
+    DWORD flags = 0;
+};
+
+LONG notePlus(HWND window, NoteRecord &record, const std::vector<int> &buttons, const View &view = {}) {
+    const DialogUser user([&](HWND dialog) {
+        for (const int button : buttons) {
+            press(dialog, button);
+        }
+    });
+    const LONG result =
+        NotePlus(window, &record, view.click ? &*view.click : nullptr, view.offset ? &*view.offset : nullptr,
+                 view.zoom ? view.zoom->data() : nullptr, view.flags);
+    EXPECT_TRUE(user.acted());
+    return result;
+}
+
+const std::vector<int> kStoreInHeader = {kInHeader, IDOK};
+const std::vector<int> kStoreOnImage = {kOnImage, IDOK};
+
+HGLOBAL dibBlock(LONG width, LONG height, LONG pelsPerMeter = 0) {
+    PackedDib dib(width, height, 8);
+    dib.header.biXPelsPerMeter = pelsPerMeter;
+    dib.header.biYPelsPerMeter = pelsPerMeter;
+    return makeBlock(dib.bytes());
+}
+
+void expectRectangle(const NoteRecord &record, LONG left, LONG top, const SIZE &size) {
+    EXPECT_EQ(record.left, left);
+    EXPECT_EQ(record.top, top);
+    EXPECT_EQ(record.right, left + size.cx);
+    EXPECT_EQ(record.bottom, top + size.cy);
+}
+
+// A note whose text from before the dialog is freed, too.
+class AskedNote : public OwnedNote {
+public:
+    explicit AskedNote(const std::string &text) : OwnedNote(text), before_(record.text) {}
+    ~AskedNote() {
+        if (before_ != record.text && GlobalFlags(before_) != GMEM_INVALID_HANDLE) {
+            GlobalFree(before_);
+        }
+    }
+    AskedNote(const AskedNote &) = delete;
+    AskedNote &operator=(const AskedNote &) = delete;
+
+private:
+    HGLOBAL before_;
+};
+
+// ---------------------------------------------------------------- results
+
+TEST(NoteResult, OfCancelIs0AndTheNoteStays) {
+    OwnedNote asked("kept");
+    asked.record.inHeader = 1;
+    const NoteRecord before = asked.record;
+    EXPECT_EQ(note(nullptr, asked.record, {kOnImage, IDCANCEL}), 0);
+    EXPECT_EQ(notePlus(nullptr, asked.record, {kOnImage, IDCANCEL}), 0);
+    EXPECT_EQ(std::memcmp(&asked.record, &before, sizeof before), 0);
+    EXPECT_EQ(asked.text(), "kept");
+}
+
+TEST(NoteResult, OfDeleteIs0AndTheTextIsFreed) {
+    OwnedNote asked("lost");
+    asked.record.inHeader = 1;
+    EXPECT_EQ(note(nullptr, asked.record, {kDelete}), 0);
+    EXPECT_EQ(asked.record.text, nullptr);
+    EXPECT_EQ(asked.record.inHeader, 0);
+}
+
+// By design: NotePlus leaves where the note is kept.
+TEST(NoteResult, OfDeleteByNotePlusIs0AndOnlyTheTextGoes) {
+    OwnedNote asked("lost");
+    asked.record.inHeader = 1;
+    EXPECT_EQ(notePlus(nullptr, asked.record, {kDelete}), 0);
+    EXPECT_EQ(asked.record.text, nullptr);
+    EXPECT_EQ(asked.record.inHeader, 1);
+}
+
+TEST(NoteResult, OfDeleteWithoutATextIs0) {
+    NoteRecord record = {};
+    EXPECT_EQ(note(nullptr, record, {kDelete}), 0);
+    EXPECT_EQ(notePlus(nullptr, record, {kDelete}), 0);
+    EXPECT_EQ(record.text, nullptr);
+}
+
+TEST(NoteResult, WithoutARecordIs0) {
+    EXPECT_EQ(Note(nullptr, nullptr), 0);
+    EXPECT_EQ(NotePlus(nullptr, nullptr, nullptr, nullptr, nullptr, 0), 0);
+}
+
+TEST(NoteResult, OfAStoreInTheHeaderIs1WithAndWithoutAnImage) {
+    AskedNote asked("kept");
+    EXPECT_EQ(note(nullptr, asked.record, kStoreInHeader), 1);
+    EXPECT_EQ(asked.text(), "kept");
+    AskedNote other("kept");
+    other.record.image = dibBlock(10, 10);
+    const HGLOBAL image = other.record.image;
+    EXPECT_EQ(notePlus(nullptr, other.record, kStoreInHeader), 1);
+    EXPECT_EQ(other.text(), "kept");
+    EXPECT_EQ(other.record.image, image);
+}
+
+TEST(NoteResult, OfAStoreOnNoImageIs0AndTheTextStays) {
+    AskedNote asked("kept");
+    EXPECT_EQ(note(nullptr, asked.record, kStoreOnImage), 0);
+    EXPECT_EQ(asked.text(), "kept");
+    AskedNote other("kept");
+    EXPECT_EQ(notePlus(nullptr, other.record, kStoreOnImage), 0);
+    EXPECT_EQ(other.text(), "kept");
+}
+
+// What looks like an image and is none cannot be burned into.
+TEST(NoteResult, OfAStoreOnABrokenImageIs1ByNoteAnd0ByNotePlus) {
+    for (const bool plus : {false, true}) {
+        AskedNote asked("kept");
+        asked.record.image = textBlock("no image");
+        const HGLOBAL image = asked.record.image;
+        EXPECT_EQ(plus ? notePlus(nullptr, asked.record, kStoreOnImage) : note(nullptr, asked.record, kStoreOnImage),
+                  plus ? 0 : 1);
+        EXPECT_EQ(asked.text(), "kept");
+        EXPECT_EQ(asked.record.image, image);
+    }
+}
+
+// ---------------------------------------------------------------- the rectangle
+
+TEST(NoteRectangle, HasTheSizeOfTheTextInTheWindowsFont) {
+    const Host host(400, 300);
+    const struct {
+        const char *text;
+        Lines lines;
+    } kTexts[] = {{"Hello", {"Hello"}},
+                  {"Hello\r\nwide world", {"Hello", "wide world"}},
+                  {"a\r\n\r\nb", {"a", "WW", "b"}},
+                  {"a\r\n", {"a", "WW"}},
+                  {"", {"WW"}},
+                  {"a\tb", {"ab"}}};
+    for (const auto &[text, lines] : kTexts) {
+        AskedNote asked(text);
+        asked.record.left = 7;
+        asked.record.top = 9;
+        EXPECT_EQ(note(host.window(), asked.record, kStoreInHeader), 1);
+        expectRectangle(asked.record, 7, 9, plainSize(host.dc(), lines));
+    }
+}
+
+TEST(NoteRectangle, OfALongLineIsAsWideAsAllOfIt) {
+    const Host host(400, 300);
+    const std::string line(3000, 'i');
+    AskedNote asked(line);
+    EXPECT_EQ(note(host.window(), asked.record, kStoreInHeader), 1);
+    EXPECT_EQ(asked.record.right, plainExtent(host.dc(), "i").cx * 3000);
+}
+
+TEST(NoteRectangle, OfNoteIsMovedByTheScrollPositions) {
+    Host host(300, 200);
+    host.reset({0, 1000, 100, false}, {0, 1000, 50, false});
+    AskedNote asked("x");
+    asked.record.left = 5;
+    asked.record.image = dibBlock(1000, 500, 7874);
+    EXPECT_EQ(note(host.window(), asked.record, kStoreInHeader), 1);
+    // 100 * (1000 - 300) / 1000, 50 * (500 - 200) / 500: the resolution does not count.
+    expectRectangle(asked.record, 75, 30, plainSize(host.dc(), {"x"}));
+}
+
+TEST(NoteRectangle, OfNotePlusIsWhereTheUserClicked) {
+    Host host(300, 200);
+    host.reset({0, 1000, 100, false}, {0, 1000, 50, false});
+    const SIZE size = plainSize(host.dc(), {"x"});
+    const auto placedBy = [&](const View &view) {
+        auto asked = std::make_unique<AskedNote>("x");
+        asked->record.left = 5;
+        asked->record.image = dibBlock(1000, 500, 3780); // 96.01 dots per inch
+        EXPECT_EQ(notePlus(host.window(), asked->record, kStoreInHeader, view), 1);
+        return asked;
+    };
+    expectRectangle(placedBy({})->record, 75, 30, size);
+    expectRectangle(placedBy({.click = POINT{10, 20}})->record, 80, 50, size);
+    expectRectangle(placedBy({.click = POINT{10, 20}, .offset = POINT{100, 200}})->record, 110, 220, size);
+    expectRectangle(placedBy({.click = POINT{10, 20}, .offset = POINT{1, 2}, .zoom = {{2, 1, 1, 2}}})->record, 6, 42,
+                    size);
+    const int dpi = GetDeviceCaps(host.dc(), LOGPIXELSX);
+    expectRectangle(
+        placedBy({.click = POINT{200, 0}, .offset = POINT{0, 0}, .flags = VELLUM_NOTE_BY_RESOLUTION})->record,
+        static_cast<LONG>(200 * (3780 * 0.0254000508001016) / dpi + 0.5), 0, size);
+}
+
+TEST(NoteRectangle, InACenteredImageCountsFromItsCorner) {
+    const Host host(300, 200);
+    AskedNote asked("x");
+    asked.record.image = dibBlock(100, 50);
+    EXPECT_EQ(
+        notePlus(host.window(), asked.record, kStoreInHeader, {.click = POINT{110, 20}, .flags = VELLUM_NOTE_CENTERED}),
+        1);
+    expectRectangle(asked.record, 10, 0, plainSize(host.dc(), {"x"}));
+}
+
+// ---------------------------------------------------------------- what is given back
+
+TEST(NoteBalance, LeavesNoDeviceContextAndNoObjectBehind) {
+    const Host host(300, 200);
+    for (const auto &buttons : {kStoreInHeader, kStoreOnImage, std::vector<int>{kDelete}}) {
+        AskedNote asked("Hello");
+        asked.record.image = dibBlock(100, 50);
+        const HGLOBAL image = asked.record.image;
+        {
+            const GdiCalls calls;
+            notePlus(host.window(), asked.record, buttons);
+            EXPECT_LE(GdiCalls::counts().objects, 0); // the dialog's brush is deleted uncounted
+            EXPECT_EQ(GdiCalls::counts().contexts, 0);
+            EXPECT_EQ(GdiCalls::counts().memoryContexts, 0);
+            EXPECT_EQ(GdiCalls::counts().deletedInUse, 0);
+        }
+        EXPECT_EQ(lockCount(image), 0U);
+        if (asked.record.image != image) {
+            GlobalFree(image);
+        }
+    }
+}
+
+} // namespace
