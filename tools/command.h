@@ -32,6 +32,7 @@ extern const Command infoCommand;
 extern const Command convertCommand;
 extern const Command checkCommand;
 extern const Command tagCommand;
+extern const Command noteCommand;
 extern const Command copyCommand;
 extern const Command splitCommand;
 extern const Command mergeCommand;

@@ -23,6 +23,8 @@ public:
     static PageSelection onePage(const std::string &operand);
     // A page, from 1, of a file whose name is not looked into.
     static PageSelection pageOf(FileName file, DWORD page) { return {std::move(file), {{page, page}}}; }
+    // All pages of such a file.
+    static PageSelection wholeFile(FileName file) { return {std::move(file), {}}; }
     // Operands whose file names are patterns stand for the files they match, each with the same pages.
     static std::vector<PageSelection> all(std::span<const std::string> operands);
 

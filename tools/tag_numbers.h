@@ -37,6 +37,7 @@ constexpr DWORD kT4Options = 292;
 constexpr DWORD kT6Options = 293;
 constexpr DWORD kResolutionUnit = 296;
 constexpr DWORD kArtist = 315;
+constexpr DWORD kHostComputer = 316;
 constexpr DWORD kPredictor = 317;
 constexpr DWORD kColorMap = 320;
 constexpr DWORD kTileWidth = 322;

@@ -9,8 +9,8 @@
 namespace vellum::test {
 namespace {
 
-const std::vector<std::string> kCommands = {"info",  "convert", "check", "tag",       "copy",
-                                            "split", "merge",   "ioca",  "fax-append"};
+const std::vector<std::string> kCommands = {"info", "convert", "check", "tag",  "note",
+                                            "copy", "split",   "merge", "ioca", "fax-append"};
 
 constexpr const char *kShortHelp = R"(Usage: vellum COMMAND [options] FILE...
 
@@ -19,6 +19,7 @@ Commands:
   convert     turn pages into Windows bitmaps, TIFF or CALS files
   check       decode every page and tell which ones are whole
   tag         look at the tags of a page and change them
+  note        look at notes on pages, add them and burn them in
   copy        copy pages into another TIFF
   split       put every page into a file of its own
   merge       put the pages of many TIFF files into one

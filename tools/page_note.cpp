@@ -1,0 +1,156 @@
+// Notes by the library's calls, and the dialog's user.
+#include "tools/page_note.h"
+
+#include "tools/tag_numbers.h"
+#include "tools/tag_values.h"
+
+#include <cstring>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+constexpr char kDialogClass[] = "#32770";
+
+// Notes are drawn with the characters of the ANSI code page.
+std::string toAnsi(const std::string &utf8) {
+    const std::wstring wide = toWide(utf8);
+    const int length = static_cast<int>(wide.size());
+    std::string ansi(
+        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr)),
+        '\0');
+    WideCharToMultiByte(CP_ACP, 0, wide.data(), length, ansi.data(), static_cast<int>(ansi.size()), nullptr, nullptr);
+    return ansi;
+}
+
+std::string fromAnsi(const std::string &ansi) {
+    const int length = static_cast<int>(ansi.size());
+    std::wstring wide(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, ansi.data(), length, wide.data(), static_cast<int>(wide.size()));
+    return toUtf8(wide);
+}
+
+std::string textOf(HGLOBAL block) {
+    std::string text;
+    if (const void *bytes = GlobalLock(block); bytes != nullptr) {
+        text.assign(static_cast<const char *>(bytes), GlobalSize(block));
+        GlobalUnlock(block);
+    }
+    return text.substr(0, text.find('\0'));
+}
+
+HGLOBAL blockOf(const std::string &text) {
+    const HGLOBAL block = GlobalAlloc(GHND, text.size() + 1);
+    if (void *bytes = GlobalLock(block); bytes != nullptr) {
+        std::memcpy(bytes, text.data(), text.size());
+        GlobalUnlock(block);
+    }
+    return block;
+}
+
+void release(HGLOBAL block) {
+    if (block != nullptr) {
+        GlobalFree(block);
+    }
+}
+
+// Presses "Store" in the next dialog of this thread.
+class StoringUser {
+public:
+    StoringUser() : hook_(SetWindowsHookExA(WH_CBT, &answer, nullptr, GetCurrentThreadId())) {}
+    StoringUser(const StoringUser &) = delete;
+    StoringUser &operator=(const StoringUser &) = delete;
+    ~StoringUser() { UnhookWindowsHookEx(hook_); }
+
+    explicit operator bool() const { return hook_ != nullptr; }
+
+private:
+    static LRESULT CALLBACK answer(int code, WPARAM window, LPARAM details) {
+        char name[16] = "";
+        if (code == HCBT_ACTIVATE && GetClassNameA(reinterpret_cast<HWND>(window), name, sizeof name) != 0 &&
+            std::strcmp(name, kDialogClass) == 0) {
+            PostMessageA(reinterpret_cast<HWND>(window), WM_COMMAND, IDOK, 0);
+        }
+        return CallNextHookEx(nullptr, code, window, details);
+    }
+
+    HHOOK hook_;
+};
+
+bool store(NoteRecord &note) {
+    const StoringUser user;
+    const HGLOBAL before = note.text;
+    const bool stored = user && Note(nullptr, &note) != 0;
+    // The dialog's text has taken the place of the one before, if it came so far.
+    if (note.text != before) {
+        release(before);
+    }
+    return stored;
+}
+
+} // namespace
+
+PageNote::~PageNote() {
+    release(record_.text);
+    release(record_.image);
+}
+
+bool PageNote::write(const std::vector<std::string> &lines, LONG left, LONG top, bool opaque) {
+    std::string text;
+    for (const std::string &line : lines) {
+        text += (text.empty() ? "" : "\r\n") + toAnsi(line);
+    }
+    release(record_.text);
+    record_ = {1, opaque ? 1 : 0, blockOf(text), left, top, left, top, record_.image};
+    return record_.text != nullptr;
+}
+
+bool PageNote::read(const RegisteredPage &page) {
+    const HGLOBAL before = record_.text;
+    if (GetNoteTagFromTiff(page.handle(), page.index(), &record_) == 0) {
+        return false;
+    }
+    release(before);
+    return true;
+}
+
+bool PageNote::place() {
+    record_.inHeader = 1;
+    return store(record_);
+}
+
+HGLOBAL PageNote::burnInto(HGLOBAL dib) {
+    release(std::exchange(record_.image, dib));
+    record_.inHeader = 0;
+    if (!store(record_) || record_.image == dib) {
+        return nullptr;
+    }
+    release(dib);
+    return std::exchange(record_.image, nullptr);
+}
+
+std::vector<std::string> PageNote::lines() const {
+    std::vector<std::string> lines(1);
+    for (const char c : textOf(record_.text)) {
+        if (c == '\r') {
+            lines.emplace_back();
+        } else if (static_cast<unsigned char>(c) >= ' ') {
+            lines.back() += c;
+        }
+    }
+    for (std::string &line : lines) {
+        line = fromAnsi(line);
+    }
+    return lines;
+}
+
+std::optional<std::string> PageNote::tagValue(const RegisteredPage &page) const {
+    if (AddNoteTagToTiff(page.handle(), page.index(), &record_) == 0) {
+        return std::nullopt;
+    }
+    const auto value = readTag(page, tag::kHostComputer);
+    return value ? std::optional(std::string(value->text())) : std::nullopt;
+}
+
+} // namespace tool
