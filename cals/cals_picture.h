@@ -29,6 +29,9 @@ struct CalsPicture {
 // A header may claim any number of pixels. Error 1 for numbers that no picture has.
 Error measureCals(const CalsInfo &info, CalsPicture &picture);
 
+// A small file may claim a huge picture: error 1 when the file cannot fill it, so that it gets neither memory nor time.
+Error checkCalsWorth(const char *path, const CalsPicture &picture);
+
 // Decodes the picture of a CALS file. Error 6 when the file cannot be opened, 5 when it ends with its header.
 Error decodeCals(const char *path, const CalsPicture &picture, LineFunc lineFunction, DWORD userValue);
 

@@ -2,8 +2,7 @@
 #include "cals/cals_dialogs.h"
 #include "cals/cals_header.h"
 #include "cals/cals_picture.h"
-#include "codec/decode_driver.h"
-#include "core/stream.h"
+#include "core/message_box.h"
 #include "display/loading.h"
 #include "support/wait_cursor.h"
 
@@ -11,23 +10,6 @@ namespace vellum {
 namespace {
 
 constexpr DWORD kSpareBytes = 100;
-
-// A small file may claim a huge picture: such a one gets its memory only when the file can fill it.
-Error checkWorth(const char *path, const CalsPicture &picture) {
-    const auto bytes = picture.imageBytes().fit();
-    if (bytes && *bytes <= kNeedsNoProof) {
-        return Error::None;
-    }
-    const Stream file(openFileStream(path, kOpenRead));
-    const LONG size = file ? sizeOfStream(file.get()) : -1;
-    if (size < 0) {
-        return Error::Io;
-    }
-    const auto whole = static_cast<DWORD>(size);
-    const DWORD code = whole > VELLUM_CALS_HEADER ? whole - VELLUM_CALS_HEADER : 0;
-    return worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.bytesPerLine(), code) ? Error::None
-                                                                                                  : Error::NoMemory;
-}
 
 Error decodeInto(BYTE *bits, const char *path, const CalsPicture &picture) {
     const WaitCursor wait;
@@ -41,7 +23,7 @@ Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
     if (const Error error = measureCals(info, picture); error != Error::None) {
         return error;
     }
-    if (const Error error = checkWorth(path, picture); error != Error::None) {
+    if (const Error error = checkCalsWorth(path, picture); error != Error::None) {
         return error;
     }
     dib = GlobalBlock::allocate(Size(sizeof(BilevelInfo) + kSpareBytes) + picture.imageBytes());
@@ -54,7 +36,7 @@ Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
 }
 
 void warn(Error error) {
-    MessageBoxA(nullptr, errorMessage(number(error)), "CALS warning", MB_TASKMODAL | MB_ICONEXCLAMATION);
+    tellUser(errorMessage(number(error)), "CALS warning", MB_TASKMODAL | MB_ICONEXCLAMATION);
 }
 
 HGLOBAL loadCals(const char *path) {
