@@ -41,8 +41,38 @@ Error measure(const CalsInfo &info, Picture &picture) {
     return Error::None;
 }
 
-// A small file may claim a huge picture: such a one gets its memory only when the file can fill it.
+// Decodes the picture through a line function.
+Error decode(StreamHandle file, const Picture &picture, DWORD userValue, LineFunc lineFunction) {
+    // A decoder that is sent behind the end starts where the file is, which would be at the header.
+    if (const LONG size = sizeOfStream(file); size <= VELLUM_CALS_HEADER) {
+        return size < 0 ? Error::Io : Error::UnexpectedEnd;
+    }
+    return decodeRawImage(
+        {{file, picture.width, picture.height, VELLUM_KEY_GROUP4, 1, VELLUM_BYTE_ORDER_II, userValue, lineFunction},
+         VELLUM_CALS_HEADER});
+}
+
+DWORD VELLUMAPI countLine(BYTE *, DWORD, DWORD *lines) {
+    ++*lines;
+    return 0;
+}
+
+// Decodes a picture to nowhere: of one that is kept at least a sixteenth must be there.
+Error checkLines(StreamHandle file, const Picture &picture) {
+    constexpr DWORD kLeastPart = 16;
+    const WaitCursor wait;
+    DWORD lines = 0;
+    const Error error = decode(file, picture, userValueOf(lines), asLineFunc<countLine>);
+    if (error != Error::None && !leavesPartOfThePicture(error)) {
+        return error;
+    }
+    return error == Error::None || lines >= picture.height / kLeastPart ? Error::None : Error::NoMemory;
+}
+
+// A small file may claim a huge picture: such a one gets its memory only when the file can fill it. What is denser than
+// any drawing must prove it.
 Error checkWorth(const char *path, const Picture &picture) {
+    constexpr std::uint64_t kDensestDrawing = 1000;
     const auto bytes = picture.imageBytes().fit();
     if (bytes && *bytes <= kNeedsNoProof) {
         return Error::None;
@@ -54,8 +84,10 @@ Error checkWorth(const char *path, const Picture &picture) {
     }
     const auto whole = static_cast<DWORD>(size);
     const DWORD code = whole > VELLUM_CALS_HEADER ? whole - VELLUM_CALS_HEADER : 0;
-    return worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.lineSize(), code) ? Error::None
-                                                                                              : Error::NoMemory;
+    if (!bytes || !worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.lineSize(), code)) {
+        return Error::NoMemory;
+    }
+    return *bytes <= kDensestDrawing * code ? Error::None : checkLines(file.get(), picture);
 }
 
 BilevelDib describe(const Picture &picture) {
@@ -75,20 +107,14 @@ BilevelDib describe(const Picture &picture) {
     return dib;
 }
 
-Error decode(const char *path, const Picture &picture, BYTE *bits) {
+Error decodeInto(BYTE *bits, const char *path, const Picture &picture) {
     const Stream file(openFileStream(path, kOpenRead));
     if (!file) {
         return Error::Io;
     }
     const WaitCursor wait;
-    // A decoder that is sent behind the end starts where the file is, which would be at the header.
-    if (const LONG size = sizeOfStream(file.get()); size <= VELLUM_CALS_HEADER) {
-        return size < 0 ? Error::Io : Error::UnexpectedEnd;
-    }
     CalsLineContext context{bits, picture.height, picture.lineSize(), picture.stride().fit().value_or(0), 0};
-    return decodeRawImage({{file.get(), picture.width, picture.height, VELLUM_KEY_GROUP4, 1, VELLUM_BYTE_ORDER_II,
-                            userValueOf(context), asLineFunc<DllFlushCALSLineDIB>},
-                           VELLUM_CALS_HEADER});
+    return decode(file.get(), picture, userValueOf(context), asLineFunc<DllFlushCALSLineDIB>);
 }
 
 // The DIB stays empty when there is none to decode into.
@@ -106,7 +132,7 @@ Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
         return Error::NoMemory;
     }
     *view = describe(picture);
-    return decode(path, picture, reinterpret_cast<BYTE *>(view.get() + 1));
+    return decodeInto(reinterpret_cast<BYTE *>(view.get() + 1), path, picture);
 }
 
 void warn(Error error) {
