@@ -5,6 +5,7 @@ set(VELLUM_GDI_SOURCES
     cals/cals_dialogs.cpp
     cals/edit_dialog.cpp
     cals/info_dialog.cpp
+    cals/paint_cals.cpp
     display/bitmap_lines.cpp
     display/clipboard.cpp
     display/info_dialog.cpp

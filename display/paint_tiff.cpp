@@ -1,4 +1,4 @@
-// Painting of an image of a TIFF file, and of a file of any kind.
+// Painting of an image of a TIFF file, and of a file of any kind. What paints the others is called as a program would.
 #include "core/image_info.h"
 #include "core/tiff_header.h"
 #include "display/loading.h"
@@ -36,8 +36,8 @@ bool isInverted(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header) {
     return header.biBitCount == 1 && firstValue(tiff, index, Tag::Photometric).value_or(kWhiteIsZero) == kWhiteIsZero;
 }
 
-// Tells the user when the image has a number of bits per pixel that is not supported, which is error 16; so are separate
-// planes, of which the user is not told.
+// Tells the user when the image has a number of bits per pixel that is not supported, which is error 16; so are
+// separate planes, of which the user is not told.
 void tellOfUnsupportedDepth(TiffHandle tiff, DWORD index) {
     if (lastError() != Error::BadColorFormat) {
         return;
@@ -79,6 +79,14 @@ LONG paintTiff(const char *path, DWORD index, const ScreenRequest &request) {
     return paintImage(image.tiff(), index, request) ? 1 : 0;
 }
 
+// VELLUM_SHOW_ANY for a file of no kind that can be painted.
+LONG kindOf(const char *path) {
+    if (path != nullptr && looksLikeTiff(path)) {
+        return VELLUM_SHOW_TIFF;
+    }
+    return GlobalBlock(ReadCALSHead(path)) ? VELLUM_SHOW_CALS : VELLUM_SHOW_ANY;
+}
+
 } // namespace
 } // namespace vellum
 
@@ -91,9 +99,15 @@ LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWO
 
 DWORD VELLUMAPI DecompressToScreen(LONG kind, HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                    DWORD flags) {
-    const bool isTiff =
-        kind == VELLUM_SHOW_TIFF || (kind == VELLUM_SHOW_ANY && path != nullptr && vellum::looksLikeTiff(path));
-    return isTiff ? static_cast<DWORD>(DecompressTiffToScreen(window, dc, path, index, ratios, flags)) : 0;
+    switch (kind == VELLUM_SHOW_ANY ? vellum::kindOf(path) : kind) {
+    case VELLUM_SHOW_TIFF:
+        return static_cast<DWORD>(DecompressTiffToScreen(window, dc, path, index, ratios, flags));
+    case VELLUM_SHOW_CALS:
+        return DecompressCALSToScreen(window, dc, path, reinterpret_cast<const LONG *>(ratios),
+                                      static_cast<BYTE>(flags));
+    default:
+        return 0;
+    }
 }
 
 } // extern "C"

@@ -65,7 +65,9 @@ void ScreenBand::describe(BITMAPINFOHEADER &header) const {
 
 LONG ScreenBand::canvasPlace(LONG row) const {
     const bool fromTheEnd = projection_.rotation == Rotation::By90 || projection_.rotation == Rotation::By180;
-    return fromTheEnd ? projection_.acrossLines().canvas - 1 - row : row;
+    // Modulo 2 to the power of 32, as a companion module may deliver any number.
+    const auto last = static_cast<DWORD>(projection_.acrossLines().canvas) - 1;
+    return fromTheEnd ? static_cast<LONG>(last - static_cast<DWORD>(row)) : row;
 }
 
 // Rows of a DIB lie bottom first.
@@ -75,14 +77,15 @@ BYTE *ScreenBand::slot(LONG position) const {
     return lines_->get() + static_cast<std::size_t>(bottomFirst ? kThickness - 1 - line : line) * slotBytes_;
 }
 
-// The place of a line of the screen; shows the band before when another one begins.
+// The place of a line of the screen. Shows those that wait when another band begins, or when lines are left out, which
+// companion modules may do.
 BYTE *ScreenBand::claimSlot(LONG position, const ScreenLineContext &context) {
     const LONG start = position - position % kThickness;
-    if (start != bandStart_) {
+    const LONG line = position - start;
+    if (start != bandStart_ || line < waiting_.first - 1 || line > waiting_.end) {
         flush(context);
         bandStart_ = start;
     }
-    const LONG line = position - start;
     const bool first = waiting_.length() == 0;
     waiting_ = {first ? line : std::min(waiting_.first, line), first ? line + 1 : std::max(waiting_.end, line + 1)};
     return slot(position);

@@ -1039,6 +1039,26 @@ INT_PTR VELLUMAPI CalsDllEditDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
 DWORD VELLUMAPI DllFlushCALSLineDIB(BYTE *line, DWORD row, CalsLineContext *context);
 DWORD VELLUMAPI DllFillCALSLineDIB(BYTE *line, DWORD row, CalsLineContext *context);
 
+/*
+ * Paints a CALS file on a window, as DecompressTiffToScreen does an image of a TIFF file.
+ *   zoom   NULL, or the ratios that the scales of VELLUM_SHOW_BY_RESOLUTION are multiplied by. A pair with a zero or a
+ *          negative number counts for nothing.
+ *   flags  VELLUM_ROTATE_..., VELLUM_SHOW_BY_RESOLUTION, VELLUM_SHOW_FIT. VELLUM_SHOW_INVERTED paints with SRCCOPY:
+ *          set bits are white. Without it they are black (NOTSRCCOPY).
+ * Result: 1, or 0 for an empty path, no device context, or an error. A picture whose data end early stays on the screen
+ * as far as it goes. Errors: those of ReadCALSInfo; 1, also for negative pixel counts; 6; those of decoding.
+ */
+DWORD VELLUMAPI DecompressCALSToScreen(HWND window, HDC dc, const char *path, const LONG *zoom, BYTE flags);
+
+/*
+ * The line functions of the CALS painter, by rotation; like those for bilevel images of TIFF files.
+ * Result: 0.
+ */
+DWORD VELLUMAPI FlushCALSLineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushCALS90LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushCALS180LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushCALS270LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+
 /* ---------------------------------------------------------------- annotations ------------------------------------- */
 
 /*
