@@ -47,20 +47,26 @@ Error measureCals(const CalsInfo &info, CalsPicture &picture) {
     return Error::None;
 }
 
+std::optional<DWORD> calsCodeBytes(const char *path) {
+    const Stream file(openFileStream(path, kOpenRead));
+    const LONG size = file ? sizeOfStream(file.get()) : -1;
+    if (size < 0) {
+        return std::nullopt;
+    }
+    return size > VELLUM_CALS_HEADER ? static_cast<DWORD>(size) - VELLUM_CALS_HEADER : 0;
+}
+
 Error checkCalsWorth(const char *path, const CalsPicture &picture) {
     const auto bytes = picture.imageBytes().fit();
     if (bytes && *bytes <= kNeedsNoProof) {
         return Error::None;
     }
-    const Stream file(openFileStream(path, kOpenRead));
-    const LONG size = file ? sizeOfStream(file.get()) : -1;
-    if (size < 0) {
+    const auto code = calsCodeBytes(path);
+    if (!code) {
         return Error::Io;
     }
-    const auto whole = static_cast<DWORD>(size);
-    const DWORD code = whole > VELLUM_CALS_HEADER ? whole - VELLUM_CALS_HEADER : 0;
-    return worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.bytesPerLine(), code) ? Error::None
-                                                                                                  : Error::NoMemory;
+    return worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.bytesPerLine(), *code) ? Error::None
+                                                                                                   : Error::NoMemory;
 }
 
 Error decodeCals(const char *path, const CalsPicture &picture, LineFunc lineFunction, DWORD userValue) {

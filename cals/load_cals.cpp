@@ -2,14 +2,47 @@
 #include "cals/cals_dialogs.h"
 #include "cals/cals_header.h"
 #include "cals/cals_picture.h"
+#include "codec/decode_driver.h"
 #include "core/message_box.h"
 #include "display/loading.h"
 #include "support/wait_cursor.h"
+
+#include <cstdint>
 
 namespace vellum {
 namespace {
 
 constexpr DWORD kSpareBytes = 100;
+
+DWORD VELLUMAPI countLine(BYTE *, DWORD, DWORD *lines) {
+    ++*lines;
+    return 0;
+}
+
+// Decodes a picture to nowhere: of one that is kept at least a sixteenth must be there.
+Error checkLines(const char *path, const CalsPicture &picture) {
+    constexpr DWORD kLeastPart = 16;
+    const WaitCursor wait;
+    DWORD lines = 0;
+    const Error error = decodeCals(path, picture, asLineFunc<countLine>, userValueOf(lines));
+    if (error != Error::None && !leavesPartOfThePicture(error)) {
+        return error;
+    }
+    return error == Error::None || lines >= picture.height / kLeastPart ? Error::None : Error::NoMemory;
+}
+
+// A picture that is denser than any drawing must prove that it is there before it gets its memory.
+Error checkThere(const char *path, const CalsPicture &picture) {
+    constexpr std::uint64_t kDensestDrawing = 1000;
+    if (const Error error = checkCalsWorth(path, picture); error != Error::None) {
+        return error;
+    }
+    const DWORD bytes = picture.imageBytes().fit().value_or(0);
+    if (bytes <= kNeedsNoProof) {
+        return Error::None;
+    }
+    return bytes <= kDensestDrawing * calsCodeBytes(path).value_or(0) ? Error::None : checkLines(path, picture);
+}
 
 Error decodeInto(BYTE *bits, const char *path, const CalsPicture &picture) {
     const WaitCursor wait;
@@ -23,7 +56,7 @@ Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
     if (const Error error = measureCals(info, picture); error != Error::None) {
         return error;
     }
-    if (const Error error = checkCalsWorth(path, picture); error != Error::None) {
+    if (const Error error = checkThere(path, picture); error != Error::None) {
         return error;
     }
     dib = GlobalBlock::allocate(Size(sizeof(BilevelInfo) + kSpareBytes) + picture.imageBytes());
