@@ -3,12 +3,11 @@
 #include "cals/cals_header.h"
 #include "cals/cals_picture.h"
 #include "codec/decode_driver.h"
-#include "core/stream.h"
+#include "core/message_box.h"
 #include "display/loading.h"
 #include "support/wait_cursor.h"
 
 #include <cstdint>
-#include <optional>
 
 namespace vellum {
 namespace {
@@ -32,32 +31,19 @@ Error checkLines(const char *path, const CalsPicture &picture) {
     return error == Error::None || lines >= picture.height / kLeastPart ? Error::None : Error::NoMemory;
 }
 
-// The bytes of a file's code.
-std::optional<DWORD> codeBytes(const char *path) {
-    const Stream file(openFileStream(path, kOpenRead));
-    const LONG size = file ? sizeOfStream(file.get()) : -1;
-    if (size < 0) {
-        return std::nullopt;
-    }
-    return size > VELLUM_CALS_HEADER ? static_cast<DWORD>(size) - VELLUM_CALS_HEADER : 0;
-}
-
-// A small file may claim a huge picture: such a one gets its memory only when the file can fill it. What is denser than
-// any drawing must prove it.
+// A large picture that is denser than any drawing must prove itself before it gets its memory.
 Error checkWorth(const char *path, const CalsPicture &picture) {
     constexpr std::uint64_t kDensestDrawing = 1000;
-    const auto bytes = picture.imageBytes().fit();
-    if (bytes && *bytes <= kNeedsNoProof) {
-        return Error::None;
+    const Error error = checkCalsWorth(path, picture);
+    const DWORD bytes = picture.imageBytes().fit().value_or(0);
+    if (error != Error::None || bytes <= kNeedsNoProof) {
+        return error;
     }
-    const auto code = codeBytes(path);
+    const auto code = calsCodeBytes(path);
     if (!code) {
         return Error::Io;
     }
-    if (!bytes || !worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.bytesPerLine(), *code)) {
-        return Error::NoMemory;
-    }
-    return *bytes <= kDensestDrawing * *code ? Error::None : checkLines(path, picture);
+    return bytes <= kDensestDrawing * *code ? Error::None : checkLines(path, picture);
 }
 
 Error decodeInto(BYTE *bits, const char *path, const CalsPicture &picture) {
@@ -85,7 +71,7 @@ Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
 }
 
 void warn(Error error) {
-    MessageBoxA(nullptr, errorMessage(number(error)), "CALS warning", MB_TASKMODAL | MB_ICONEXCLAMATION);
+    tellUser(errorMessage(number(error)), "CALS warning", MB_TASKMODAL | MB_ICONEXCLAMATION);
 }
 
 HGLOBAL loadCals(const char *path) {

@@ -24,9 +24,9 @@ DWORD userValueOf(Context &context) {
     return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(&context));
 }
 
-// Whether the image's file can fill a picture of this size: a small file may claim a huge one. The file is looked at
-// only for large pictures.
-bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header);
+// Whether the image's file can fill a picture of this size, which has so many bits per pixel in memory: a small file
+// may claim a huge one. The file is looked at only for large pictures.
+bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header, DWORD bitsInMemory);
 
 // Decodes a whole registered image through a line function that works on a context.
 inline bool decodeInto(TiffHandle tiff, DWORD index, LoadLineContext &context, LineFunc lineFunction) {
