@@ -40,6 +40,21 @@ VELLUM_FIELD(FaxPageParams, tabStops, 416);
 VELLUM_FIELD(FaxPageParams, flags, 480);
 VELLUM_FIELD(FaxPageParams, fontDescription, 484);
 
+static_assert(sizeof(CalsInfo) == 24);
+VELLUM_FIELD(CalsInfo, rtype, 0);
+VELLUM_FIELD(CalsInfo, rorient, 4);
+VELLUM_FIELD(CalsInfo, rpelcnt, 12);
+VELLUM_FIELD(CalsInfo, rdensty, 20);
+
+static_assert(sizeof(CalsNotes) == 28);
+VELLUM_FIELD(CalsNotes, srcdocid, 0);
+VELLUM_FIELD(CalsNotes, dstdocis, 4);
+VELLUM_FIELD(CalsNotes, txtfileid, 8);
+VELLUM_FIELD(CalsNotes, figid, 12);
+VELLUM_FIELD(CalsNotes, scrgph, 16);
+VELLUM_FIELD(CalsNotes, doccls, 20);
+VELLUM_FIELD(CalsNotes, notes, 24);
+
 static_assert(sizeof(CodecState) == 176);
 VELLUM_FIELD(CodecState, codePointer, 0);
 VELLUM_FIELD(CodecState, linePointer, 4);
@@ -123,5 +138,12 @@ VELLUM_FIELD(SaveLineContext, invert, 32);
 static_assert(sizeof(CcittLineContext) == 8);
 VELLUM_FIELD(CcittLineContext, dc, 0);
 VELLUM_FIELD(CcittLineContext, bitmap, 4);
+
+static_assert(sizeof(CalsLineContext) == 20);
+VELLUM_FIELD(CalsLineContext, bits, 0);
+VELLUM_FIELD(CalsLineContext, height, 4);
+VELLUM_FIELD(CalsLineContext, lineBytes, 8);
+VELLUM_FIELD(CalsLineContext, stride, 12);
+VELLUM_FIELD(CalsLineContext, invert, 16);
 
 } // namespace

@@ -5,6 +5,10 @@ set(VELLUM_GDI_SOURCES
     annot/fax_page.cpp
     annot/overlay.cpp
     annot/text_drawing.cpp
+    cals/cals_dialogs.cpp
+    cals/edit_dialog.cpp
+    cals/info_dialog.cpp
+    cals/paint_cals.cpp
     display/bitmap_lines.cpp
     display/clipboard.cpp
     display/dib_bitmap.cpp

@@ -37,3 +37,10 @@ foreach(example IN ITEMS load_page black_pixels save_page modca_page)
     add_executable(example_${example} examples/${example}.c)
     target_link_libraries(example_${example} PRIVATE vellum_options vellum)
 endforeach()
+
+# And one that is a program: a viewer.
+file(GLOB VELLUM_VIEWER_SOURCES CONFIGURE_DEPENDS examples/viewer/*.c)
+set_source_files_properties(examples/viewer/viewer.rc PROPERTIES OBJECT_DEPENDS
+                                                                 ${PROJECT_SOURCE_DIR}/examples/viewer/resource.h)
+add_executable(viewer WIN32 ${VELLUM_VIEWER_SOURCES} examples/viewer/viewer.rc)
+target_link_libraries(viewer PRIVATE vellum_options vellum comdlg32 shell32 gdi32)

@@ -44,6 +44,14 @@ struct CcittBitmapInfo {
 // display/screen_band.h
 class ScreenBand;
 
+// What the dialog for the texts of a CALS header works on.
+constexpr int kCalsEditTexts = 7;
+struct CalsEditState {
+    const char *path = nullptr;
+    char *header = nullptr;             // the first of 16 records, locked by the caller
+    char *records[kCalsEditTexts] = {}; // those of them that hold texts, in the order of CalsNotes
+};
+
 struct LibraryState {
     // core/error.cpp: written by every call that fails.
     Error lastError = Error::None;
@@ -55,6 +63,9 @@ struct LibraryState {
 
     // core/stream.cpp: a slot is valid from the opening of a memory stream to its close.
     MemoryStreamSlot memoryStreams[kMemoryStreamSlots];
+
+    // core/message_box.cpp: true while a message box of the library's own accord is open.
+    bool tellingUser = false;
 
     // core/image_dimensions.cpp: the screen's resolution in dots per inch; 0 until an image needs it.
     DWORD screenDpiX = 0;
@@ -83,6 +94,9 @@ struct LibraryState {
     // display/screen_painter.cpp: the lines of the picture that is being painted on the screen; null while none is, or
     // none of it is to be seen.
     ScreenBand *screen = nullptr;
+
+    // cals/edit_dialog.cpp: valid while EditCALSHead runs; else all null.
+    CalsEditState calsEdit;
 
     // codec/decode_tiff.cpp: 1 while a decode that starts behind the first strip runs, and after any decode.
     DWORD partialDecode = 0;

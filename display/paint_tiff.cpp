@@ -1,5 +1,6 @@
-// Painting of an image of a TIFF file, and of a file of any kind.
+// Painting of an image of a TIFF file, and of a file of any kind. What paints the others is called as a program would.
 #include "core/image_info.h"
+#include "core/message_box.h"
 #include "core/tiff_header.h"
 #include "display/loading.h"
 #include "display/screen_lines.h"
@@ -36,8 +37,8 @@ bool isInverted(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header) {
     return header.biBitCount == 1 && firstValue(tiff, index, Tag::Photometric).value_or(kWhiteIsZero) == kWhiteIsZero;
 }
 
-// Tells the user when the image has a number of bits per pixel that is not supported, which is error 16; so are separate
-// planes, of which the user is not told.
+// Tells the user when the image has a number of bits per pixel that is not supported, which is error 16; so are
+// separate planes, of which the user is not told.
 void tellOfUnsupportedDepth(TiffHandle tiff, DWORD index) {
     if (lastError() != Error::BadColorFormat) {
         return;
@@ -46,7 +47,9 @@ void tellOfUnsupportedDepth(TiffHandle tiff, DWORD index) {
     header.biBitCount = 1; // stays so for separate planes
     GetTiffDimensions(tiff, index, &header);
     if (header.biBitCount != 1) {
-        MessageBoxA(nullptr, kUnsupported, kCaption, MB_TASKMODAL);
+        tellUser(kUnsupported, kCaption, MB_TASKMODAL);
+        // The program may have painted another picture meanwhile.
+        setError(Error::BadColorFormat);
     }
 }
 
@@ -57,14 +60,14 @@ bool paintImage(TiffHandle tiff, DWORD index, const ScreenRequest &request) {
         tellOfUnsupportedDepth(tiff, index);
         return false;
     }
-    WORD bitsPerPixel = 0;
-    if (const GlobalView<const BITMAPINFOHEADER> header(picture.info.get()); header) {
-        picture.dotsPerInchX = header->biXPelsPerMeter * kMetersPerInchOnScreen;
-        picture.dotsPerInchY = header->biYPelsPerMeter * kMetersPerInchOnScreen;
-        picture.inverted = isInverted(tiff, index, *header);
-        bitsPerPixel = header->biBitCount;
+    const GlobalView<const BITMAPINFOHEADER> header(picture.info.get());
+    if (!header || !worthLoading(tiff, index, *header, header->biBitCount)) {
+        return recorded(Error::NoMemory) != 0;
     }
-    return paintOnScreen(picture, TiffOnScreen(tiff, index, bitsPerPixel), request);
+    picture.dotsPerInchX = header->biXPelsPerMeter * kMetersPerInchOnScreen;
+    picture.dotsPerInchY = header->biYPelsPerMeter * kMetersPerInchOnScreen;
+    picture.inverted = isInverted(tiff, index, *header);
+    return paintOnScreen(picture, TiffOnScreen(tiff, index, header->biBitCount), request);
 }
 
 LONG paintTiff(const char *path, DWORD index, const ScreenRequest &request) {
@@ -79,6 +82,14 @@ LONG paintTiff(const char *path, DWORD index, const ScreenRequest &request) {
     return paintImage(image.tiff(), index, request) ? 1 : 0;
 }
 
+// VELLUM_SHOW_ANY for a file of no kind that can be painted.
+LONG kindOf(const char *path) {
+    if (path != nullptr && looksLikeTiff(path)) {
+        return VELLUM_SHOW_TIFF;
+    }
+    return GlobalBlock(ReadCALSHead(path)) ? VELLUM_SHOW_CALS : VELLUM_SHOW_ANY;
+}
+
 } // namespace
 } // namespace vellum
 
@@ -91,9 +102,15 @@ LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWO
 
 DWORD VELLUMAPI DecompressToScreen(LONG kind, HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                    DWORD flags) {
-    const bool isTiff =
-        kind == VELLUM_SHOW_TIFF || (kind == VELLUM_SHOW_ANY && path != nullptr && vellum::looksLikeTiff(path));
-    return isTiff ? static_cast<DWORD>(DecompressTiffToScreen(window, dc, path, index, ratios, flags)) : 0;
+    switch (kind == VELLUM_SHOW_ANY ? vellum::kindOf(path) : kind) {
+    case VELLUM_SHOW_TIFF:
+        return static_cast<DWORD>(DecompressTiffToScreen(window, dc, path, index, ratios, flags));
+    case VELLUM_SHOW_CALS:
+        return DecompressCALSToScreen(window, dc, path, reinterpret_cast<const LONG *>(ratios),
+                                      static_cast<BYTE>(flags));
+    default:
+        return 0;
+    }
 }
 
 } // extern "C"

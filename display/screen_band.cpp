@@ -75,14 +75,15 @@ BYTE *ScreenBand::slot(LONG position) const {
     return lines_->get() + static_cast<std::size_t>(bottomFirst ? kThickness - 1 - line : line) * slotBytes_;
 }
 
-// The place of a line of the screen; shows the band before when another one begins.
+// The place of a line of the screen. Shows those that wait when another band begins, or when lines are left out, which
+// companion modules may do.
 BYTE *ScreenBand::claimSlot(LONG position, const ScreenLineContext &context) {
     const LONG start = position - position % kThickness;
-    if (start != bandStart_) {
+    const LONG line = position - start;
+    if (start != bandStart_ || line < waiting_.first - 1 || line > waiting_.end) {
         flush(context);
         bandStart_ = start;
     }
-    const LONG line = position - start;
     const bool first = waiting_.length() == 0;
     waiting_ = {first ? line : std::min(waiting_.first, line), first ? line + 1 : std::max(waiting_.end, line + 1)};
     return slot(position);
@@ -91,8 +92,12 @@ BYTE *ScreenBand::claimSlot(LONG position, const ScreenLineContext &context) {
 void ScreenBand::add(Rotation rotation, ScreenDepth depth, const BYTE *line, LONG row,
                      const ScreenLineContext &context) {
     const Projection &across = projection_.acrossLines();
+    // A companion module may deliver any number.
+    if (rotation != projection_.rotation || depth != screenDepth(bitsPerPixel_) || row < 0 || row >= across.canvas) {
+        return;
+    }
     const LONG place = canvasPlace(row);
-    if (rotation != projection_.rotation || depth != screenDepth(bitsPerPixel_) || !across.shown.holds(place)) {
+    if (!across.shown.holds(place)) {
         return;
     }
     const BYTE *sampled = nullptr;

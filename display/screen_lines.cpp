@@ -5,17 +5,13 @@
 #include "display/loading.h"
 
 namespace vellum {
-namespace {
 
-template <Rotation rotation, ScreenDepth depth>
-DWORD show(const BYTE *line, LONG row, const ScreenLineContext *context) {
+DWORD showLine(Rotation rotation, ScreenDepth depth, const BYTE *line, LONG row, const ScreenLineContext *context) {
     if (library.screen != nullptr) {
         library.screen->add(rotation, depth, line, row, *context);
     }
     return 0;
 }
-
-} // namespace
 
 LineFunc screenLineFunction(Rotation rotation, WORD bitsPerPixel) {
     static constexpr LineFunc kFunctions[][4] = {
@@ -31,54 +27,58 @@ LineFunc screenLineFunction(Rotation rotation, WORD bitsPerPixel) {
 
 } // namespace vellum
 
+using vellum::Rotation;
+using vellum::ScreenDepth;
+using vellum::showLine;
+
 extern "C" {
 
 DWORD VELLUMAPI FlushMonoLineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::None, vellum::ScreenDepth::Mono>(line, row, context);
+    return showLine(Rotation::None, ScreenDepth::Mono, line, row, context);
 }
 
 DWORD VELLUMAPI FlushMonoRotLineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By90, vellum::ScreenDepth::Mono>(line, row, context);
+    return showLine(Rotation::By90, ScreenDepth::Mono, line, row, context);
 }
 
 DWORD VELLUMAPI FlushMonoRot18LineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By180, vellum::ScreenDepth::Mono>(line, row, context);
+    return showLine(Rotation::By180, ScreenDepth::Mono, line, row, context);
 }
 
 DWORD VELLUMAPI FlushMonoRot27LineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By270, vellum::ScreenDepth::Mono>(line, row, context);
+    return showLine(Rotation::By270, ScreenDepth::Mono, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGBLineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::None, vellum::ScreenDepth::Indexed>(line, row, context);
+    return showLine(Rotation::None, ScreenDepth::Indexed, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGBRotLineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By90, vellum::ScreenDepth::Indexed>(line, row, context);
+    return showLine(Rotation::By90, ScreenDepth::Indexed, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGBRot18LineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By180, vellum::ScreenDepth::Indexed>(line, row, context);
+    return showLine(Rotation::By180, ScreenDepth::Indexed, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGBRot27LineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By270, vellum::ScreenDepth::Indexed>(line, row, context);
+    return showLine(Rotation::By270, ScreenDepth::Indexed, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGB24LineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::None, vellum::ScreenDepth::TrueColor>(line, row, context);
+    return showLine(Rotation::None, ScreenDepth::TrueColor, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGB24RotLineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By90, vellum::ScreenDepth::TrueColor>(line, row, context);
+    return showLine(Rotation::By90, ScreenDepth::TrueColor, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGB24Rot18LineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By180, vellum::ScreenDepth::TrueColor>(line, row, context);
+    return showLine(Rotation::By180, ScreenDepth::TrueColor, line, row, context);
 }
 
 DWORD VELLUMAPI FlushRGB24Rot27LineToScreen(BYTE *line, LONG row, ScreenLineContext *context) {
-    return vellum::show<vellum::Rotation::By270, vellum::ScreenDepth::TrueColor>(line, row, context);
+    return showLine(Rotation::By270, ScreenDepth::TrueColor, line, row, context);
 }
 
 } // extern "C"

@@ -70,8 +70,8 @@ ScrollBars scrollBarsFor(const Extent &target, const Extent &roomWithoutBars, co
     ScrollBars bars;
     bars.vertical = target.height > roomWithoutBars.height;
     bars.horizontal = target.width > roomWithoutBars.width - (bars.vertical ? barThickness.width : 0);
+    // A vertical bar that is needed because of the horizontal one does not change that.
     bars.vertical = target.height > roomWithoutBars.height - (bars.horizontal ? barThickness.height : 0);
-    bars.horizontal = target.width > roomWithoutBars.width - (bars.vertical ? barThickness.width : 0);
     return bars;
 }
 

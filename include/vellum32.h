@@ -148,6 +148,28 @@ typedef struct FaxPageParams {
                                         height; only looked at when fontFace is not empty */
 } FaxPageParams;
 
+/* The numbers of a CALS header (ReadCALSInfo, DefineCALSHead), by their records. */
+typedef struct CalsInfo {
+    LONG rtype;      /* raster type; 1 in every file that is read or written */
+    LONG rorient[2]; /* two angles in degrees: the pel path, and the line progression counted from it */
+    LONG rpelcnt[2]; /* pixels in a line, and lines */
+    LONG rdensty;    /* dots per inch in both directions */
+} CalsInfo;
+
+/*
+ * The texts of a CALS header, by their records; each ends with a NUL. NULL: when read, there is no such text; when
+ * defined, "NONE" is written.
+ */
+typedef struct CalsNotes {
+    const char *srcdocid;  /* "srcdocid: ", the document in the source system */
+    const char *dstdocis;  /* "dstdocis: ", the document in the destination system */
+    const char *txtfileid; /* "txtfileid: ", the text file */
+    const char *figid;     /* "figid: ", the figure */
+    const char *scrgph;    /* "scrgph: ", the graphics file in the source system */
+    const char *doccls;    /* "doccls: ", the security classification */
+    const char *notes;     /* "notes: ", anything else */
+} CalsNotes;
+
 #pragma pack(pop)
 
 /*
@@ -268,6 +290,18 @@ typedef struct CcittLineContext {
     HDC dc;         /* a screen device context */
     HBITMAP bitmap; /* the bitmap to read */
 } CcittLineContext;
+
+/*
+ * What the line functions of the CALS calls work on, DllFlushCALSLineDIB and DllFillCALSLineDIB. A program that hands
+ * one of them to a decode or encode call itself fills the record and passes its address as the user value.
+ */
+typedef struct CalsLineContext {
+    BYTE *bits;      /* first byte of the locked DIB's rows */
+    DWORD height;    /* rows of the DIB */
+    DWORD lineBytes; /* bytes of one coded line: (width + 7) / 8 */
+    DWORD stride;    /* bytes from row to row */
+    DWORD invert;    /* DllFillCALSLineDIB: non-zero complements every byte */
+} CalsLineContext;
 
 /* ---------------------------------------------------------------- open files and errors --------------------------- */
 
@@ -540,18 +574,22 @@ DWORD VELLUMAPI DecodeMMRImage(StreamHandle stream, DWORD offset, DWORD width, D
 HGLOBAL VELLUMAPI LoadTiffIntoDIB(const char *path, DWORD index, LONG showInfo);
 
 /*
- * Loads an image into a bitmap for the screen, to be deleted by the caller. An early end (5) keeps what there is.
- * showInfo is that of LoadTiffIntoDIB.
+ * Loads an image into a bitmap: a monochrome one of an image of 1 bit per pixel, else one of the screen's depth.
+ *   showInfo  that of LoadTiffIntoDIB
+ * Result: a bitmap that the caller deletes, or NULL. An image whose data end early (5) comes back as far as it goes;
+ * what its other lines hold is not defined. Errors: as LoadTiffIntoDIB, 19 and 20 without a bitmap.
  */
 HBITMAP VELLUMAPI LoadTiffIntoBitmap(const char *path, DWORD index, LONG showInfo);
 
-/* As LoadTiffIntoBitmap, of an open file whose image is registered. */
+/* As LoadTiffIntoBitmap, of an open file whose image is registered. A null handle leaves the error as it was. */
 HBITMAP VELLUMAPI LoadTiffChainIntoBitmap(TiffHandle tiff, DWORD index);
 
 /*
  * Puts an image onto the clipboard as a bitmap.
  *   showInfo  that of LoadTiffIntoDIB; when the user cancels the clipboard stays as it is
- * Result: 1; also 1 when the file cannot be opened or the image not be registered (ask TiffError); 0 otherwise.
+ * Result: 1; also 1 when the file cannot be opened or the image not be registered (ask TiffError); 0 otherwise. When
+ * another program has the clipboard open, the error stays what loading left, as a rule 0. An image whose data end early
+ * is put there as far as it goes, with error 5 pending.
  */
 DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG showInfo);
 
@@ -592,7 +630,8 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
 /*
  * Paints an image of a TIFF file on a window while it is being decoded, line by line, without making a bitmap of it.
  *   window  its client area is what there is room for; its scroll bars say which part of a larger picture is wanted.
- *           NULL: the clip box of the device context takes the client area's place.
+ *           NULL: the device context's pixels from its own upper left corner to the right and bottom of its clip box
+ *           are what there is room for; nothing is filled or validated then.
  *   dc      the window's device context, or any other that the picture is to be painted on
  *   ratios  NULL, or four numbers: numerator and denominator that the horizontal scale of VELLUM_SHOW_BY_RESOLUTION is
  *           multiplied by, and those of the vertical scale. A pair with a zero counts for nothing.
@@ -600,7 +639,7 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
  * By resolution, every direction of the picture has a scale of its own, so that a fax of 204 x 98 dots per inch has
  * its true proportions: device dots per inch (LOGPIXELSX, LOGPIXELSY) over the image's. Fitted, the pixels are square:
  * the picture keeps the proportions of its numbers of pixels. The room for a picture that is turned by 90 or 270
- * degrees is then the client area with width and height exchanged.
+ * degrees is then the client area with width and height exchanged, so that a part of it may be cut off.
  *
  * Scroll bars: a bar is shown where the picture is larger than the client area, else hidden and set to 0; fitting
  * hides both. The part that is shown begins at position x (picture - client area) / range of its bar, in pixels of the
@@ -611,11 +650,16 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
  * validated, also when the image's data were damaged or ended early: what was decoded stays on the screen. The device
  * context keeps the mapping in which a unit is a pixel of the (turned) picture and the origin is the upper left corner
  * of the part that is shown, and the stretching mode; the clipping, the palette and the objects that were selected into
- * it are given back. A bilevel picture has the device context's text and background colours, as every monochrome bitmap
- * (black and white unless they were set).
- * Result: 1, or 0 for an empty path, no device context, or an error. Errors: those of OpenTiffFile, GetTiffImage,
- * GetTiffRGBQuad and DecodeTiffImage; 16 for another number of bits per pixel than 1, 4, 8 and 24, which a message box
- * tells, too.
+ * it are given back. A world transform is not applied to the picture. After errors that come before the image is
+ * decoded (the file, the image, its colours, memory) the window is neither filled nor validated: paint between
+ * BeginPaint and EndPaint, or validate it yourself.
+ *
+ * Showing and hiding scroll bars sends the window WM_SIZE, from which another picture may be painted; a message box
+ * runs a message loop, in which no second box comes up. A window that has no client area, and a scale that makes
+ * nothing of the picture, are successes without a mark. A bilevel picture has the device context's text and background
+ * colours, as every monochrome bitmap (black and white unless they were set). Result: 1, or 0 for an empty path, no
+ * device context, or an error. Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage; 16 for
+ * another number of bits per pixel than 1, 4, 8 and 24, which a message box tells, too.
  */
 LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                       DWORD flags);
@@ -624,7 +668,8 @@ LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWO
  * The same for a file of any format that can be painted.
  *   kind   VELLUM_SHOW_...
  *   index  of the image, for TIFF
- * Result: as of DecompressTiffToScreen; 0 for a file that is none of them, too.
+ * Result: as of DecompressTiffToScreen; 0 for a file that is none of them, too: the error is then that of
+ * ReadCALSHead (18, or 6 for a file that cannot be opened).
  */
 DWORD VELLUMAPI DecompressToScreen(LONG kind, HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                    DWORD flags);
@@ -921,6 +966,131 @@ DWORD VELLUMAPI WriteIOCATail(HFILE file);
  * it begins. Result: 1, or 0 with error 6.
  */
 DWORD VELLUMAPI WriteMODCATail(HFILE file);
+
+/* ---------------------------------------------------------------- CALS raster files ------------------------------- */
+
+/*
+ * A CALS Type 1 raster file is a header of 2048 characters - 16 records of 128, each a keyword, a value and blanks -
+ * with one bilevel image behind it in Group 4 code. The calls that have to do with a header pass it in a block of
+ * VELLUM_CALS_BLOCK bytes: the records as the file has them, and some spare bytes.
+ */
+#define VELLUM_CALS_HEADER 2048 /* bytes of a header */
+#define VELLUM_CALS_RECORD 128  /* bytes of a record */
+#define VELLUM_CALS_BLOCK 2248  /* bytes of a block that holds a header */
+
+/*
+ * Reads a file's header. That every record ends with a blank or a NUL is all that is checked.
+ * Result: a block that the caller frees, or NULL. Errors: 1, 6 (the file does not open), 18 (it is shorter than a
+ * header, or no header). A path that is NULL or empty sets no error.
+ */
+HGLOBAL VELLUMAPI ReadCALSHead(const char *path);
+
+/*
+ * Finds a record.
+ *   header   the first record, of a locked block
+ *   keyword  what the record begins with, byte for byte: "notes: "
+ * Result: the first such record, which is 128 characters long and has no terminator, or NULL. A record that begins with
+ * a blank or a NUL is none.
+ */
+char *VELLUMAPI FindCALSRecord(char *header, const char *keyword);
+
+/*
+ * Reads the numbers of a file's header. "dtype: " serves where there is no "rtype: ", "rdensity: " where there is no
+ * "rdensty: "; a value that is no number is 0, one that a LONG cannot hold its nearest value.
+ * Result: 1, or 0 when the header cannot be read, lacks one of the four records, has another raster type than 1 or no
+ * pixels. Errors: those of ReadCALSHead, 18. Without info no error is set.
+ */
+DWORD VELLUMAPI ReadCALSInfo(const char *path, CalsInfo *info);
+
+/*
+ * Reads the texts of a file's header.
+ *   notes  receives pointers into the block that comes back, NULL for texts that are not there
+ * Each text but the last one is followed, without a terminator, by those behind it: with AB in the first and CD in the
+ * last of two, the first reads "ABCD". The difference of two pointers is the length of the text between them.
+ * Result: a block that the caller frees when he needs the texts no more, or NULL. Errors: those of ReadCALSHead.
+ * Without notes no error is set.
+ */
+HGLOBAL VELLUMAPI ReadCALSNote(const char *path, CalsNotes *notes);
+
+/*
+ * Makes a header.
+ *   notes  NULL for "NONE" in every text
+ * A text that its record has no room for is cut.
+ * Result: a block that the caller frees, or NULL. Errors: 1. Without info no error is set.
+ */
+HGLOBAL VELLUMAPI DefineCALSHead(const CalsInfo *info, const CalsNotes *notes);
+
+/*
+ * Loads a CALS file into a packed DIB of 1 bit per pixel, white (0) and black (1).
+ *   showInfo  non-zero shows the header first (ShowCALSInfo)
+ * Result: a block that the caller frees, or NULL; also NULL, with error 0, when the user cancels. An image whose data
+ * end early comes back as far as it goes, the rest white, after a message box with the caption "CALS warning" and with
+ * error 5, 19 or 20 pending; on full success the error is 0.
+ * Errors: those of ReadCALSInfo; 1 also for a size that is none or that the file cannot fill; those of
+ * DecodeCcittImageFrom.
+ */
+HGLOBAL VELLUMAPI LoadCALSIntoDIB(const char *path, LONG showInfo);
+
+/*
+ * Makes a CALS file of a packed DIB; a file of that name is replaced. The DIB stays the caller's.
+ *   dib          1 bit per pixel, with a header of 40 bytes and two colours, uncompressed, bottom-up. The second colour
+ *                is stored as black, or the first one if that is black
+ *   notes        the texts of the header, or NULL
+ *   orientation  two angles for "rorient: ", or NULL for 90 and 270
+ *   showEdit     non-zero lets the user edit the texts first (EditCALSHead)
+ * Result: 1 or 0; also 1, with error 0 and no file made, when the user cancels.
+ * Errors: 1 (also: a handle that cannot be locked), 16 (another DIB), 12 (wider than 33280 pixels), 6 (the file cannot
+ * be made or written) and those of EncodeCcittImage. 12 and 16 are found before the file is touched.
+ */
+DWORD VELLUMAPI SaveDIBInCALSFormat(const char *path, HGLOBAL dib, const CalsNotes *notes, const LONG *orientation,
+                                    LONG showEdit);
+
+/* Shows a file's header, or why it cannot be read. Result: 1 for OK, 2 for Cancel, -1 without a dialog. */
+LONG VELLUMAPI ShowCALSInfo(HWND parent, const char *path);
+
+/*
+ * Lets the user edit the texts of a header.
+ *   path    shown, if it is not NULL
+ *   header  the first record, of a locked block. In its text records a NUL follows the text afterwards; with OK they
+ *           are rewritten
+ * Result: 1 for OK, 2 for Cancel, -1 without a dialog.
+ */
+LONG VELLUMAPI EditCALSHead(HWND parent, const char *path, char *header);
+
+/*
+ * The procedures of the two dialogs, templates "CALSINFO" and "CALSEDIT" in the library's resources. WM_INITDIALOG's
+ * lParam is the path for CALSINFO; CALSEDIT works on what EditCALSHead was given. Both end with 1 or 2.
+ */
+INT_PTR VELLUMAPI CalsDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+INT_PTR VELLUMAPI CalsDllEditDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+
+/*
+ * The line functions of the CALS calls: a decoded line into a packed DIB, and a line out of one for an encoder, both
+ * with line 0 in the last row. A row outside the picture is left alone. Result: 0. They are handed to a decode or
+ * encode call cast to LineFunc, with the record's address as the user value.
+ */
+DWORD VELLUMAPI DllFlushCALSLineDIB(BYTE *line, DWORD row, CalsLineContext *context);
+DWORD VELLUMAPI DllFillCALSLineDIB(BYTE *line, DWORD row, CalsLineContext *context);
+
+/*
+ * Paints a CALS file on a window, as DecompressTiffToScreen does an image of a TIFF file.
+ *   zoom   NULL, or the ratios that the scales of VELLUM_SHOW_BY_RESOLUTION are multiplied by. A pair with a zero or a
+ *          negative number counts for nothing.
+ *   flags  VELLUM_ROTATE_..., VELLUM_SHOW_BY_RESOLUTION, VELLUM_SHOW_FIT. VELLUM_SHOW_INVERTED paints with SRCCOPY:
+ *          set bits are white. Without it they are black (NOTSRCCOPY).
+ * Result: 1, or 0 for an empty path, no device context, or an error. A picture whose data end early stays on the screen
+ * as far as it goes. Errors: those of ReadCALSInfo; 1, also for negative pixel counts; 6; those of decoding.
+ */
+DWORD VELLUMAPI DecompressCALSToScreen(HWND window, HDC dc, const char *path, const LONG *zoom, BYTE flags);
+
+/*
+ * The line functions of the CALS painter, by rotation; like those for bilevel images of TIFF files.
+ * Result: 0.
+ */
+DWORD VELLUMAPI FlushCALSLineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushCALS90LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushCALS180LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
+DWORD VELLUMAPI FlushCALS270LineToScreen(BYTE *line, LONG row, ScreenLineContext *context);
 
 /* ---------------------------------------------------------------- annotations ------------------------------------- */
 

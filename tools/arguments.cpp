@@ -46,15 +46,22 @@ Arguments::Arguments(const std::vector<std::string> &words, std::span<const Opti
         } else {
             throw UsageError("option '" + name + "' needs a value");
         }
-        if (!options_.emplace(option.name, std::move(value)).second) {
+        std::vector<std::string> &values = options_[option.name];
+        if (!values.empty() && option.kind != Option::Kind::List) {
             throw UsageError("option '" + name + "' is given twice");
         }
+        values.push_back(std::move(value));
     }
 }
 
 std::optional<std::string> Arguments::value(std::string_view option) const {
     const auto found = options_.find(option);
-    return found == options_.end() ? std::nullopt : std::optional(found->second);
+    return found == options_.end() ? std::nullopt : std::optional(found->second.front());
+}
+
+std::vector<std::string> Arguments::values(std::string_view option) const {
+    const auto found = options_.find(option);
+    return found == options_.end() ? std::vector<std::string>() : found->second;
 }
 
 unsigned long parsePageNumber(std::string_view option, const std::string &text) {

@@ -22,7 +22,11 @@ public:
 
 struct Option {
     std::string_view name; // "--page"
-    enum class Kind { Flag, Value } kind = Kind::Flag;
+    enum class Kind {
+        Flag,
+        Value,
+        List, // a value, and the option may be given several times
+    } kind = Kind::Flag;
     std::string_view shortName = {}; // "-q", or none
 };
 
@@ -33,10 +37,12 @@ public:
 
     [[nodiscard]] bool has(std::string_view option) const { return options_.contains(option); }
     [[nodiscard]] std::optional<std::string> value(std::string_view option) const;
+    // The values of a list, in the order of the command line.
+    [[nodiscard]] std::vector<std::string> values(std::string_view option) const;
     [[nodiscard]] const std::vector<std::string> &operands() const { return operands_; }
 
 private:
-    std::map<std::string_view, std::string> options_;
+    std::map<std::string_view, std::vector<std::string>> options_;
     std::vector<std::string> operands_;
 };
 

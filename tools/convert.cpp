@@ -8,19 +8,22 @@
 
 #include <array>
 #include <charconv>
+#include <span>
 
 namespace tool {
 
 namespace {
 
-constexpr std::string_view kHelp = R"(vellum convert - turn pages into Windows bitmaps or TIFF files
+constexpr std::string_view kHelp = R"(vellum convert - turn pages into Windows bitmaps, TIFF or CALS files
 
 Usage: vellum convert [options] IN OUT.bmp
        vellum convert [options] IN OUT.tif
+       vellum convert [options] IN OUT.cal
 
-IN is a TIFF or a Windows bitmap, OUT.tif (or .tiff) may have several pages.
-Without options the first page is converted. A TIFF gets the page's samples,
-colours, resolution and texts as they are in IN.
+IN is a TIFF, a CALS file or a Windows bitmap, OUT.tif (or .tiff) may have
+several pages; OUT.cal (or .cals) takes pages of 1 bit per pixel. Without
+options the first page is converted. A TIFF gets the page's samples, colours,
+resolution and texts as they are in IN.
 
 The output appears under its name only when it is whole; an existing file is
 then replaced. A page whose data end early is written as far as it goes, the
@@ -30,7 +33,7 @@ warning and exit status 1. A page that cannot be converted is left out.
 Options:
       --page N         convert page N; pages are counted from 1
       --all            convert all pages: into one OUT.tif, or to OUT-001.bmp,
-                       OUT-002.bmp and so on
+                       OUT-002.bmp and so on, and likewise for .cal
   -h, --help           show this help
 
 Options for OUT.tif:
@@ -46,6 +49,14 @@ Options for OUT.tif:
       --append         add the pages to OUT.tif, which is changed in place. When
                        that fails, it gets its old length back
 
+Options for OUT.cal:
+      --note KEY=TEXT  a text of the header: KEY is srcdocid, dstdocis,
+                       txtfileid, figid, scrgph, doccls or notes. May be given
+                       for each; the others are those of IN, or NONE
+      --orientation A,B
+                       the two angles of the header. Default: those of IN, or
+                       90,270
+
 Exit status: 0 all went well, 1 a page could not be converted or not as a whole,
 2 wrong usage.
 )";
@@ -54,8 +65,10 @@ constexpr std::array kOptions = {
     Option{"--page", Option::Kind::Value},        Option{"--all"},
     Option{"--compression", Option::Kind::Value}, Option{"--fill-order", Option::Kind::Value},
     Option{"--k", Option::Kind::Value},           Option{"--title", Option::Kind::Value},
-    Option{"--artist", Option::Kind::Value},      Option{"--append"}};
-constexpr std::size_t kFirstTiffOption = 2;
+    Option{"--artist", Option::Kind::Value},      Option{"--append"},
+    Option{"--note", Option::Kind::List},         Option{"--orientation", Option::Kind::Value}};
+constexpr auto kTiffOptions = std::span(kOptions).subspan(2, 6);
+constexpr auto kCalsOptions = std::span(kOptions).subspan(8);
 
 LONG parseK(const std::string &text) {
     LONG number = 0;
@@ -99,18 +112,39 @@ bool isTiffName(const FileName &name) {
     return name.hasExtension(".tif") || name.hasExtension(".tiff");
 }
 
-void checkOutput(const Arguments &arguments, const FileName &input, const FileName &output) {
-    if (!isTiffName(output) && !output.hasExtension(".bmp")) {
-        throw UsageError("the output's name must end in .bmp, .tif or .tiff, not '" + output.shown() + "'");
-    }
-    for (std::size_t i = kFirstTiffOption; i < kOptions.size() && !isTiffName(output); ++i) {
-        if (arguments.has(kOptions[i].name)) {
-            throw UsageError("'" + std::string(kOptions[i].name) + "' is for TIFF output only");
+void refuseOptions(const Arguments &arguments, std::span<const Option> options, const char *outputs) {
+    for (const Option &option : options) {
+        if (arguments.has(option.name)) {
+            throw UsageError("'" + std::string(option.name) + "' is for " + outputs + " output only");
         }
+    }
+}
+
+void checkOutput(const Arguments &arguments, const FileName &input, const FileName &output) {
+    if (!isTiffName(output) && !isCalsName(output) && !output.hasExtension(".bmp")) {
+        throw UsageError("the output's name must end in .bmp, .tif, .tiff, .cal or .cals, not '" + output.shown() +
+                         "'");
+    }
+    if (!isTiffName(output)) {
+        refuseOptions(arguments, kTiffOptions, "TIFF");
+    }
+    if (!isCalsName(output)) {
+        refuseOptions(arguments, kCalsOptions, "CALS");
     }
     if (output.sameAs(input)) {
         throw UsageError("the output would replace the input");
     }
+}
+
+CalsDescription parseCals(const Arguments &arguments) {
+    CalsDescription description;
+    for (const std::string &note : arguments.values("--note")) {
+        setCalsText(description, note);
+    }
+    if (const auto angles = arguments.value("--orientation")) {
+        description.orientation = parseCalsOrientation(*angles);
+    }
+    return description;
 }
 
 ConvertRequest parseRequest(const Arguments &arguments) {
@@ -129,6 +163,7 @@ ConvertRequest parseRequest(const Arguments &arguments) {
     request.coding = parseCoding(arguments);
     request.title = arguments.value("--title");
     request.artist = arguments.value("--artist");
+    request.cals = parseCals(arguments);
     return request;
 }
 
@@ -145,13 +180,32 @@ bool hasPage(const ConvertRequest &request, DWORD pageCount) {
     return false;
 }
 
+// Pages that come as pictures; not to bitmaps.
+Status convertPictures(const PageSource &source, const ConvertRequest &request) {
+    return isTiffName(request.output) ? convertToTiff(source, request) : convertToCals(source, request);
+}
+
 Status convertBitmap(const ConvertRequest &request) {
-    if (!isTiffName(request.output)) {
-        Console::get().complain(request.input.shown() + ": a bitmap is converted to TIFF only.");
+    if (request.output.hasExtension(".bmp")) {
+        Console::get().complain(request.input.shown() + ": a bitmap is converted to TIFF and CALS only.");
         return Status::Failed;
     }
     const BitmapSource source(request.input);
-    return hasPage(request, source.pageCount()) ? convertToTiff(source, request) : Status::Failed;
+    return hasPage(request, source.pageCount()) ? convertPictures(source, request) : Status::Failed;
+}
+
+// A CALS file that becomes one keeps its texts and its orientation.
+Status convertCals(ConvertRequest request) {
+    if (request.input.isMissing()) {
+        Console::get().complain(request.input.shown() + ": there is no such file.");
+        return Status::Failed;
+    }
+    const CalsSource source(request.input);
+    if (!hasPage(request, source.pageCount())) {
+        return Status::Failed;
+    }
+    request.cals.complete(describeCals(request.input));
+    return request.output.hasExtension(".bmp") ? convertToBitmap(source, request) : convertPictures(source, request);
 }
 
 Status convertTiff(const ConvertRequest &request) {
@@ -163,8 +217,8 @@ Status convertTiff(const ConvertRequest &request) {
     if (!hasPage(request, document.pageCount())) {
         return Status::Failed;
     }
-    Status status =
-        isTiffName(request.output) ? convertToTiff(TiffSource(document), request) : convertToBitmaps(document, request);
+    Status status = request.output.hasExtension(".bmp") ? convertToBitmaps(document, request)
+                                                        : convertPictures(TiffSource(document), request);
     if (const std::string chain = document.chainMessage(); request.all && !chain.empty()) {
         Console::get().complain(request.input.shown() + ": " + chain);
         status = Status::Failed;
@@ -174,7 +228,10 @@ Status convertTiff(const ConvertRequest &request) {
 
 Status run(const std::vector<std::string> &words) {
     const ConvertRequest request = parseRequest(Arguments(words, kOptions));
-    return isBitmapFile(request.input) ? convertBitmap(request) : convertTiff(request);
+    if (isBitmapFile(request.input)) {
+        return convertBitmap(request);
+    }
+    return isCalsFile(request.input) ? convertCals(request) : convertTiff(request);
 }
 
 } // namespace
@@ -184,6 +241,6 @@ std::string sizeText(ULONGLONG width, ULONGLONG height, DWORD bitsPerPixel) {
            (bitsPerPixel == 1 ? " bit" : " bits");
 }
 
-constinit const Command convertCommand = {"convert", "turn pages into Windows bitmaps or TIFF files", kHelp, run};
+constinit const Command convertCommand = {"convert", "turn pages into Windows bitmaps, TIFF or CALS files", kHelp, run};
 
 } // namespace tool

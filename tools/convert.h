@@ -1,6 +1,7 @@
-// The two ends of `vellum convert`: pages into bitmap files, and pages into a TIFF.
+// The ends of `vellum convert`: pages into bitmap files, into a TIFF, and into CALS files.
 #pragma once
 
+#include "tools/cals_file.h"
 #include "tools/command.h"
 #include "tools/picture.h"
 #include "tools/tiff_coding.h"
@@ -25,6 +26,8 @@ struct ConvertRequest {
     // Texts in place of those of the pages; an empty one takes them away.
     std::optional<std::string> title;
     std::optional<std::string> artist;
+    // For a CALS file.
+    CalsDescription cals;
 
     // Pages to convert, by index.
     [[nodiscard]] DWORD firstPage() const { return all ? 0 : page - 1; }
@@ -34,6 +37,9 @@ struct ConvertRequest {
 // Each complains of what cannot be converted and tells what has been written.
 Status convertToBitmaps(const TiffDocument &document, const ConvertRequest &request);
 Status convertToTiff(const PageSource &source, const ConvertRequest &request);
+Status convertToCals(const PageSource &source, const ConvertRequest &request);
+// The one page of a source of bilevel pages.
+Status convertToBitmap(const PageSource &source, const ConvertRequest &request);
 
 // "1728 x 2287, 1 bit"
 std::string sizeText(ULONGLONG width, ULONGLONG height, DWORD bitsPerPixel);

@@ -1,4 +1,6 @@
-// Pages of a TIFF as Windows bitmap files, with the colours that the library gives them.
+// Pages of a TIFF as Windows bitmap files, with the colours that the library gives them, and bilevel pictures in black
+// and white.
+#include "tools/bilevel_code.h"
 #include "tools/console.h"
 #include "tools/convert.h"
 #include "tools/output_file.h"
@@ -83,7 +85,70 @@ Status convertPage(const TiffDocument &document, DWORD index, const FileName &ou
     return Status::Ok;
 }
 
+// Pixels per metre; 0 for a resolution that is not told.
+LONG pelsPerMeter(const Picture &picture, DWORD tag) {
+    constexpr double kInchesPerMeter = 39.37;
+    const double pels = dotsPerInch(picture, tag) * kInchesPerMeter + 0.5;
+    return pels <= MAXLONG ? static_cast<LONG>(pels) : 0;
+}
+
+// Writes a bilevel picture row by row, the lowest one first. Result: why that failed.
+std::string writeBilevel(const Picture &picture, OutputFile &file) {
+    constexpr RGBQUAD kColours[] = {{255, 255, 255, 0}, {0, 0, 0, 0}};
+    const ULONGLONG stride = (ULONGLONG{picture.width} + 31) / 32 * 4;
+    const ULONGLONG headers = sizeof(BITMAPFILEHEADER) + sizeof(BITMAPINFOHEADER) + sizeof kColours;
+    if (stride * picture.height > MAXLONG - headers) {
+        return "the page is too large for a bitmap.";
+    }
+    BITMAPFILEHEADER fileHeader{};
+    fileHeader.bfType = kBitmapType;
+    fileHeader.bfOffBits = static_cast<DWORD>(headers);
+    fileHeader.bfSize = static_cast<DWORD>(headers + stride * picture.height);
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof header;
+    header.biWidth = static_cast<LONG>(picture.width);
+    header.biHeight = static_cast<LONG>(picture.height);
+    header.biPlanes = 1;
+    header.biBitCount = 1;
+    header.biSizeImage = static_cast<DWORD>(stride * picture.height);
+    header.biXPelsPerMeter = pelsPerMeter(picture, tag::kXResolution);
+    header.biYPelsPerMeter = pelsPerMeter(picture, tag::kYResolution);
+    header.biClrUsed = header.biClrImportant = 2;
+    file.write(&fileHeader, sizeof fileHeader);
+    file.write(&header, sizeof header);
+    file.write(kColours, sizeof kColours);
+    std::vector<BYTE> row(static_cast<std::size_t>(stride));
+    for (DWORD line = picture.height; line-- > 0 && file.failure().empty();) {
+        if (const DWORD error = picture.fillLine(row.data(), line); error != VELLUM_OK) {
+            return libraryMessage(error);
+        }
+        file.write(row.data(), row.size());
+    }
+    return file.commit() ? "" : file.failure();
+}
+
 } // namespace
+
+Status convertToBitmap(const PageSource &source, const ConvertRequest &request) {
+    Console &console = Console::get();
+    const PageReading reading = source.read(0);
+    if (!reading.picture) {
+        console.complain(source.pageLabel(0) + ": " + reading.failure);
+        return Status::Failed;
+    }
+    const FileName output = request.all ? request.output.forPage(1) : request.output;
+    OutputFile file(output);
+    if (const std::string failure = writeBilevel(*reading.picture, file); !failure.empty()) {
+        console.complain(output.shown() + ": " + failure);
+        return Status::Failed;
+    }
+    console.print(output.shown() + ": " + sizeText(reading.picture->width, reading.picture->height, 1) + "\n");
+    if (!reading.warning.empty()) {
+        console.complain(source.pageLabel(0) + ": warning: " + reading.warning);
+        return Status::Failed;
+    }
+    return Status::Ok;
+}
 
 Status convertToBitmaps(const TiffDocument &document, const ConvertRequest &request) {
     Status status = Status::Ok;

@@ -10,14 +10,15 @@ namespace tool {
 
 namespace {
 
-constexpr std::string_view kHelp = R"(vellum info - tell what is in TIFF files
+constexpr std::string_view kHelp = R"(vellum info - tell what is in TIFF and CALS files
 
 Usage: vellum info [options] FILE...
 
 For each file: its pages, byte order and size; for each page: its width and
 height in pixels, bits per pixel (samples x bits), photometric interpretation,
 compression with its option, strips, resolution and the offset of its directory
-in the file. Pages are counted from 1.
+in the file. Pages are counted from 1. Of a CALS file: its size in pixels, its
+resolution and orientation, and the records of its header.
 
 Options:
       --tags        list every tag: number, name, type, count and values
@@ -66,6 +67,6 @@ Status complainOfChain(const TiffDocument &document) {
     return Status::Failed;
 }
 
-constinit const Command infoCommand = {"info", "tell what is in TIFF files", kHelp, run};
+constinit const Command infoCommand = {"info", "tell what is in TIFF and CALS files", kHelp, run};
 
 } // namespace tool

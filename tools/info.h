@@ -20,6 +20,10 @@ struct InfoOptions {
 Status printInfoText(std::span<const FileName> names, const InfoOptions &options);
 Status printInfoJson(std::span<const FileName> names, const InfoOptions &options);
 
+// The same of one CALS file.
+Status printCalsText(const FileName &name);
+Status writeCalsJson(JsonWriter &json, const FileName &name);
+
 // Tags of a page in either look: lines, or the value of a JSON member.
 std::string tagList(const RegisteredPage &page, std::span<const DWORD> tags, TagValues::Extent extent);
 void writeTags(JsonWriter &json, const RegisteredPage &page, std::span<const DWORD> tags);

@@ -1,4 +1,5 @@
 // vellum info for programs: one JSON document, {"files": [...]}, with values in full.
+#include "tools/cals_file.h"
 #include "tools/console.h"
 #include "tools/info.h"
 #include "tools/page_info.h"
@@ -133,6 +134,9 @@ Status writePage(JsonWriter &json, const TiffDocument &document, DWORD index, co
 }
 
 Status writeFile(JsonWriter &json, const FileName &name, const InfoOptions &options) {
+    if (isCalsFile(name)) {
+        return writeCalsJson(json, name);
+    }
     const TiffDocument document(name);
     Status status = Status::Ok;
     json.beginObject();

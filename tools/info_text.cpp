@@ -1,4 +1,5 @@
 // vellum info for people: a table of the pages, and lists of their tags.
+#include "tools/cals_file.h"
 #include "tools/console.h"
 #include "tools/info.h"
 #include "tools/page_info.h"
@@ -23,6 +24,9 @@ std::string fileLine(const TiffDocument &document) {
 }
 
 Status printFile(const FileName &name, const InfoOptions &options) {
+    if (isCalsFile(name)) {
+        return printCalsText(name);
+    }
     const TiffDocument document(name);
     if (!document.isOpen()) {
         return complainOfFile(document);

@@ -1,16 +1,15 @@
 // Wrapping and unwrapping pictures.
 #include "tools/ioca_file.h"
 
+#include "tools/bilevel_code.h"
 #include "tools/line_store.h"
 #include "tools/output_file.h"
-#include "tools/tag_values.h"
+#include "tools/raw_file.h"
 #include "tools/tiff_document.h"
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <numeric>
-#include <utility>
 
 namespace tool {
 
@@ -28,81 +27,12 @@ static_assert(sizeof kStructuredFields == kLengthOffset + sizeof(WORD));
 constexpr WORD kLargestWord = 0xFFFF;
 constexpr WORD kMmr = 1; // the one compression identifier that is read
 constexpr double kTenInches = 10;
-constexpr double kCentimetresPerInch = 2.54;
 constexpr BYTE kBeginSegment = 0x70;
-
-// A file as the library's functions take it.
-class RawFile {
-public:
-    RawFile(const FileName &name, DWORD access, DWORD sharing)
-        : file_(CreateFileW(name.forSystem().c_str(), access, sharing, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                            nullptr)),
-          error_(file_ == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS) {}
-    RawFile(const RawFile &) = delete;
-    RawFile &operator=(const RawFile &) = delete;
-    ~RawFile() { close(); }
-
-    [[nodiscard]] bool isOpen() const { return file_ != INVALID_HANDLE_VALUE; }
-    [[nodiscard]] DWORD error() const { return error_; }
-    [[nodiscard]] StreamHandle stream() const { return static_cast<StreamHandle>(reinterpret_cast<INT_PTR>(file_)); }
-    [[nodiscard]] HFILE handle() const { return stream(); }
-
-    // False when the system could not write what it had taken.
-    bool close() {
-        const HANDLE file = std::exchange(file_, INVALID_HANDLE_VALUE);
-        // ReadIOCAHeader has closed a file in which there is no segment.
-        DWORD flags = 0;
-        return file == INVALID_HANDLE_VALUE || GetHandleInformation(file, &flags) == 0 || CloseHandle(file) != 0;
-    }
-
-private:
-    HANDLE file_;
-    DWORD error_;
-};
-
-RawFile openForReading(const FileName &name) {
-    return {name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE};
-}
-
-const TagValues *findTag(const Picture &picture, DWORD tag) {
-    const auto found = std::ranges::find(picture.tags, tag, &TagValues::tag);
-    return found == picture.tags.end() ? nullptr : &*found;
-}
 
 // Dots per ten inches; 0 for a resolution that is not told or that 16 bits cannot tell.
 WORD resolutionOf(const Picture &picture, DWORD tag) {
-    const TagValues *const values = findTag(picture, tag);
-    const TagValues *const unitValues = findTag(picture, tag::kResolutionUnit);
-    const bool hasUnit = unitValues != nullptr && !unitValues->isRational() && unitValues->count() > 0;
-    const LONGLONG unit = hasUnit ? unitValues->number(0) : LONGLONG{kInch};
-    if (values == nullptr || !values->isRational() || values->count() == 0 || (unit != kInch && unit != kCentimetre)) {
-        return 0;
-    }
-    const auto [numerator, denominator] = values->rational(0);
-    const double perUnit = denominator == 0 ? 0 : static_cast<double>(numerator) / denominator;
-    const double dots = std::round(perUnit * kTenInches * (unit == kInch ? 1 : kCentimetresPerInch));
+    const double dots = std::round(dotsPerInch(picture, tag) * kTenInches);
     return dots <= kLargestWord ? static_cast<WORD>(dots) : WORD{0};
-}
-
-struct EncodeRun {
-    const Picture &picture;
-    const std::string &progressLabel;
-};
-
-// Image code has 1 for black.
-DWORD VELLUMAPI supplyLine(BYTE *line, DWORD index, DWORD userValue) {
-    const EncodeRun &run = *reinterpret_cast<EncodeRun *>(DWORD_PTR{userValue});
-    try {
-        showLineProgress(run.progressLabel, "writing", index, run.picture.height);
-        const DWORD error = run.picture.fillLine(line, index);
-        const auto bytes = static_cast<std::size_t>(run.picture.lineBytes());
-        for (std::size_t at = 0; at < bytes && run.picture.photometric == kBlackIsZero; ++at) {
-            line[at] = static_cast<BYTE>(~line[at]);
-        }
-        return error;
-    } catch (const std::exception &) {
-        return VELLUM_NO_MEMORY; // nothing may be thrown through the library
-    }
 }
 
 std::string failureText(DWORD error) {
@@ -154,7 +84,7 @@ bool readHeaders(const FileName &file, IocaKind kind, IocaHeader &header) {
 } // namespace
 
 std::string wrapObstacle(const Picture &picture) {
-    if (picture.bitsPerPixel() != 1 || (picture.photometric != kWhiteIsZero && picture.photometric != kBlackIsZero)) {
+    if (!isBilevel(picture)) {
         return "only bilevel pages can be wrapped.";
     }
     return picture.width > kLargestWord || picture.height > kLargestWord
@@ -180,9 +110,8 @@ std::string wrapPicture(const FileName &file, const Picture &picture, IocaKind k
     if ((isModca ? WriteMODCAHeader : WriteIOCAHeader)(raw.handle(), &header) == 0) {
         return failureText(TiffError());
     }
-    EncodeRun run{picture, progressLabel};
-    const auto userValue = static_cast<DWORD>(reinterpret_cast<DWORD_PTR>(&run));
-    if (EncodeMMRImage(raw.stream(), picture.width, picture.height, 0, userValue, supplyLine) == 0) {
+    BilevelRun run{picture, progressLabel};
+    if (EncodeMMRImage(raw.stream(), picture.width, picture.height, 0, run.userValue(), supplyBilevelLine) == 0) {
         return failureText(TiffError());
     }
     std::string failure = writeTail(raw, kind);

@@ -2,6 +2,7 @@
 #include "tools/picture.h"
 
 #include "tools/console.h"
+#include "vellum32.h"
 
 #include <utility>
 
@@ -23,6 +24,13 @@ void Picture::set(TagValues values) {
 
 void Picture::remove(DWORD tag) {
     std::erase_if(tags, [tag](const TagValues &values) { return values.tag() == tag; });
+}
+
+bool leavesAPart(const Picture &picture, DWORD lines, DWORD error) {
+    constexpr ULONGLONG kNeedsNoProof = ULONGLONG{16} << 20;
+    constexpr DWORD kLeastPart = 16; // a sixteenth
+    const bool good = error == VELLUM_UNEXPECTED_END || error == VELLUM_EOFB_MISSING || error == VELLUM_EOFB_UNEXPECTED;
+    return good && (picture.lineBytes() * picture.height <= kNeedsNoProof || lines >= picture.height / kLeastPart);
 }
 
 TagValues shortsTag(DWORD tag, std::span<const WORD> values) {

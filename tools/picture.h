@@ -33,6 +33,10 @@ struct Picture {
     void remove(DWORD tag);
 };
 
+// Whether what there is of a picture is worth having after an error of the library's: the lines so far are good, and a
+// damaged size does not fill the disk with lines that nobody has ever seen.
+bool leavesAPart(const Picture &picture, DWORD lines, DWORD error);
+
 // Tags with values of their own.
 TagValues shortsTag(DWORD tag, std::span<const WORD> values);
 TagValues rationalTag(DWORD tag, DWORD numerator, DWORD denominator);

@@ -127,18 +127,6 @@ DWORD describe(const RegisteredPage &page, Picture &picture) {
     return VELLUM_OK;
 }
 
-// Errors after which the lines so far are good.
-bool leavesAPart(DWORD error) {
-    return error == VELLUM_UNEXPECTED_END || error == VELLUM_EOFB_MISSING || error == VELLUM_EOFB_UNEXPECTED;
-}
-
-// A damaged size must not fill the disk with lines that nobody has ever seen.
-bool isWorthCompleting(const Picture &picture, DWORD lines) {
-    constexpr ULONGLONG kNeedsNoProof = ULONGLONG{16} << 20;
-    constexpr DWORD kLeastPart = 16; // a sixteenth
-    return picture.lineBytes() * picture.height <= kNeedsNoProof || lines >= picture.height / kLeastPart;
-}
-
 } // namespace
 
 PageReading TiffSource::read(DWORD index) const {
@@ -161,7 +149,7 @@ PageReading TiffSource::read(DWORD index) const {
     StoringRun run{*lines, progressLabel(index), picture.height};
     const bool decoded = DecodeTiffImage(page.handle(), page.index(), 0, 0, run.userValue(), storeLine) != 0;
     const DWORD error = TiffError();
-    if (!decoded && !(leavesAPart(error) && isWorthCompleting(picture, lines->count()))) {
+    if (!decoded && !leavesAPart(picture, lines->count(), error)) {
         reading.failure = libraryMessage(error);
         return reading;
     }

@@ -7,7 +7,7 @@
 
 PACKAGES_BUILD=(cmake ninja-build ccache g++-mingw-w64-i686-posix gcc-mingw-w64-i686-posix llvm-14 googletest)
 PACKAGES_NATIVE=(clang-14 gcc-multilib g++-multilib libclang-rt-14-dev)
-PACKAGES_CHECKS=(clang-format-14 lld-14 git libtiff-tools)
+PACKAGES_CHECKS=(clang-format-14 lld-14 git libtiff-tools python3 xdotool xvfb)
 PACKAGES_WINE=(mmdebstrap arch-test bubblewrap dpkg-dev)
 
 say() { printf '== %s\n' "$*"; }

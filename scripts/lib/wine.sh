@@ -4,6 +4,7 @@
 #   prepare_wine             makes everything ready; quick when it is
 #   start_wine_server        lets the script's next programs start quickly; undone when it exits
 #   in_wine COMMAND...       runs wine or wineserver with the project's prefix
+#   branch_prefix FOLDER     makes a prefix for one user alone, with X
 # Needs: lib/setup.sh, and VELLUM_ROOT, the checkout's folder.
 
 VELLUM_CACHE=$(cache_folder "$VELLUM_ROOT")
@@ -11,7 +12,8 @@ WINE_TREE=$VELLUM_CACHE/wine-i386
 # Without X programs draw on Wine's null driver: dialogs, painting and reading pixels back all work. For screenshots:
 # VELLUM_WINE_GRAPHICS=x11 with a DISPLAY, in a prefix of its own.
 WINE_GRAPHICS=${VELLUM_WINE_GRAPHICS:-null}
-export WINEPREFIX=$VELLUM_CACHE/prefix-$WINE_GRAPHICS
+# Or VELLUM_WINE_PREFIX is one that branch_prefix made.
+export WINEPREFIX=${VELLUM_WINE_PREFIX:-$VELLUM_CACHE/prefix-$WINE_GRAPHICS}
 # File names are UTF-8, whatever the caller's locale.
 export LC_ALL=C.UTF-8
 export WINEDEBUG=${WINEDEBUG:--all}
@@ -138,6 +140,19 @@ finish_prefix() {
         in_wine wineserver -w
     } >>"$VELLUM_CACHE/prefix.log" 2>&1 9>&- </dev/null || true
     printf '%s' "$WINE_KIND" >"$WINE_READY"
+}
+
+# A prefix whose programs see nobody else's windows, clipboard and settings: it has a registry and a server of its own,
+# and shares the system's files. They draw with X, whatever the other prefix does.
+branch_prefix() {
+    local file
+    mkdir "$1"
+    for file in system.reg user.reg userdef.reg .update-timestamp dosdevices; do
+        cp -a "$WINEPREFIX/$file" "$1"
+    done
+    ln -s "$WINEPREFIX/drive_c" "$1/drive_c"
+    sed -i 's/^"Graphics"=.*/"Graphics"="x11"/' "$1/user.reg"
+    cp "$WINE_READY" "$1"
 }
 
 # Makes the next programs start quickly: a server that stays. Its users are noted by their process ids, and the last one

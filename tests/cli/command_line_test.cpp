@@ -15,8 +15,8 @@ const std::vector<std::string> kCommands = {"info",  "convert", "check",      "t
 constexpr const char *kShortHelp = R"(Usage: vellum COMMAND [options] FILE...
 
 Commands:
-  info        tell what is in TIFF files
-  convert     turn pages into Windows bitmaps or TIFF files
+  info        tell what is in TIFF and CALS files
+  convert     turn pages into Windows bitmaps, TIFF or CALS files
   check       decode every page and tell which ones are whole
   tag         look at the tags of a page and change them
   copy        copy pages into another TIFF
@@ -129,7 +129,7 @@ TEST(CommandLine, MisuseIsExplainedWithStatus2) {
         {{"convert", "a.tif", "a.bmp", "--page", "2", "--all"},
          "vellum convert: '--page' and '--all' exclude each other\nTry 'vellum convert --help'.\n"},
         {{"convert", "a.tif", "a.png"},
-         "vellum convert: the output's name must end in .bmp, .tif or .tiff, not 'a.png'\n"
+         "vellum convert: the output's name must end in .bmp, .tif, .tiff, .cal or .cals, not 'a.png'\n"
          "Try 'vellum convert --help'.\n"},
         {{"convert", "a.bmp", "A.BMP"},
          "vellum convert: the output would replace the input\nTry 'vellum convert --help'.\n"},

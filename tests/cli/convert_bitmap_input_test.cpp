@@ -194,7 +194,7 @@ TEST(ConvertBitmapInput, ABitmapIsOnePageAndGoesToTiffOnly) {
     EXPECT_EQ(beyond.err, "vellum: in.bmp: there is no page 2; the file has 1.\n");
     EXPECT_EQ(beyond.status, 1U);
     const Outcome bitmap = folder.run({"convert", "in.bmp", "out.bmp"});
-    EXPECT_EQ(bitmap.err, "vellum: in.bmp: a bitmap is converted to TIFF only.\n");
+    EXPECT_EQ(bitmap.err, "vellum: in.bmp: a bitmap is converted to TIFF and CALS only.\n");
     EXPECT_EQ(bitmap.status, 1U);
     EXPECT_EQ(folder.files(), Names{"in.bmp"});
     EXPECT_EQ(folder.run({"convert", "in.bmp", "out.tif", "--all"}).status, 0U);

@@ -6,6 +6,7 @@
 #include "support/encode_lines.h"
 #include "support/random_pictures.h"
 #include "support/tiff_builder.h"
+#include "write/packed_dibs.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -262,6 +263,50 @@ void writeRaw(Folder &folder) {
     }
 }
 
+// A DIB of a bilevel picture, 1 for black; or one with the colours and pixels exchanged.
+Bytes dibOf(const Picture &picture, bool blackFirst) {
+    const PackedDib layout(static_cast<LONG>(picture.width), static_cast<LONG>(picture.height), 1,
+                           blackFirst ? std::vector<RGBQUAD>{kBlackQuad, kWhiteQuad}
+                                      : std::vector<RGBQUAD>{kWhiteQuad, kBlackQuad});
+    Bytes dib = layout.bytes();
+    for (DWORD y = 0; y < picture.height; ++y) {
+        const std::size_t row = 48 + (picture.height - 1 - y) * layout.stride();
+        for (DWORD i = 0; i < picture.lineBytes(); ++i) {
+            const BYTE byte = picture.lines[y * picture.lineBytes() + i];
+            dib[row + i] = blackFirst ? static_cast<BYTE>(~byte) : byte;
+        }
+    }
+    return dib;
+}
+
+tiff::Bytes wrappedGroup4(const Picture &picture, const Bytes &code) {
+    tiff::Builder file;
+    file.page({tiff::longs(256, {picture.width}), tiff::longs(257, {picture.height}), tiff::shorts(258, {1}),
+               tiff::shorts(259, {4}), tiff::shorts(262, {0}), tiff::shorts(277, {1}),
+               tiff::longs(278, {picture.height})},
+              {code});
+    return file.bytes();
+}
+
+// CALS files: behind their 2048 bytes there is Group 4 code that any TIFF reader knows.
+void writeCals(Folder &folder) {
+    for (const DWORD width : kWidths) {
+        const Picture picture = makePicture(width, 61, kDepths[0], width + 5);
+        const std::string name = "cals-" + std::to_string(width);
+        folder.reference("ref-" + name + ".tif", referenceOf(picture));
+        for (const bool blackFirst : {false, true}) {
+            const DibBlock dib(dibOf(picture, blackFirst));
+            const std::string cals = folder.file(name + ".cal");
+            need(SaveDIBInCALSFormat(cals.c_str(), dib.get(), nullptr, nullptr, 0) == 1, cals.c_str());
+            const Bytes file = readFile(cals).value_or(Bytes{});
+            need(file.size() > VELLUM_CALS_HEADER, cals.c_str());
+            const std::string wrapped = name + (blackFirst ? "-black-first.tif" : ".tif");
+            folder.reference(wrapped, wrappedGroup4(picture, {file.begin() + VELLUM_CALS_HEADER, file.end()}));
+            folder.pair(wrapped, "ref-" + name + ".tif");
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -279,5 +324,6 @@ int main(int argc, char **argv) {
     writeHundredPages(folder);
     writeMoved(folder);
     writeRaw(folder);
+    writeCals(folder);
     return 0;
 }

@@ -55,6 +55,10 @@ struct State {
     INT_PTR infoDialogAnswer = IDCANCEL;
     int infoDialogs = 0;
 
+    // What the user answers in the two dialogs for CALS headers, and does there; null: presses Cancel.
+    LONG (*inCalsInfo)(const char *path) = nullptr;
+    LONG (*inCalsEdit)(const char *path, char *header) = nullptr;
+
     // Resources in use.
     long blocks = 0;      // global blocks allocated and not freed
     SIZE_T bytes = 0;     // in them

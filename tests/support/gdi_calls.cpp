@@ -4,11 +4,14 @@
 #ifndef VELLUM_NATIVE
 #include "support/gdi_calls.h"
 
+#include <map>
+
 namespace vellum::test {
 namespace {
 
 GdiCalls::Counts counts;
 GdiCalls::Fail failing = GdiCalls::Fail::Nothing;
+std::map<HDC, HGDIOBJ> memoryBitmaps; // what the memory contexts have selected
 
 struct {
     ImportPatch createBitmap;
@@ -17,6 +20,11 @@ struct {
     ImportPatch deleteObject;
     ImportPatch getDc;
     ImportPatch releaseDc;
+    ImportPatch createCompatibleDc;
+    ImportPatch deleteDc;
+    ImportPatch saveDc;
+    ImportPatch restoreDc;
+    ImportPatch selectObject;
     ImportPatch selectPalette;
     ImportPatch realizePalette;
     ImportPatch setDiBits;
@@ -54,6 +62,9 @@ HPALETTE WINAPI countCreatePalette(const LOGPALETTE *palette) {
 }
 
 BOOL WINAPI countDeleteObject(HGDIOBJ object) {
+    for (const auto &[dc, bitmap] : memoryBitmaps) {
+        counts.deletedInUse += bitmap == object ? 1 : 0;
+    }
     const BOOL deleted = patches.deleteObject.original<decltype(DeleteObject)>()(object);
     counts.objects -= deleted ? 1 : 0;
     return deleted;
@@ -70,6 +81,44 @@ HDC WINAPI countGetDc(HWND window) {
 int WINAPI countReleaseDc(HWND window, HDC dc) {
     --counts.contexts;
     return patches.releaseDc.original<decltype(ReleaseDC)>()(window, dc);
+}
+
+HDC WINAPI countCreateCompatibleDc(HDC like) {
+    const HDC dc = failing == GdiCalls::Fail::MemoryDc
+                       ? nullptr
+                       : patches.createCompatibleDc.original<decltype(CreateCompatibleDC)>()(like);
+    counts.memoryContexts += dc == nullptr ? 0 : 1;
+    if (dc != nullptr) {
+        memoryBitmaps[dc] = nullptr;
+    }
+    return dc;
+}
+
+BOOL WINAPI countDeleteDc(HDC dc) {
+    memoryBitmaps.erase(dc);
+    --counts.memoryContexts;
+    return patches.deleteDc.original<decltype(DeleteDC)>()(dc);
+}
+
+int WINAPI countSaveDc(HDC dc) {
+    const int level = patches.saveDc.original<decltype(SaveDC)>()(dc);
+    counts.savedStates += level == 0 ? 0 : 1;
+    return level;
+}
+
+BOOL WINAPI countRestoreDc(HDC dc, int level) {
+    const BOOL restored = patches.restoreDc.original<decltype(RestoreDC)>()(dc, level);
+    counts.savedStates -= restored ? 1 : 0;
+    return restored;
+}
+
+HGDIOBJ WINAPI countSelectObject(HDC dc, HGDIOBJ object) {
+    const bool bitmap = GetObjectType(object) == OBJ_BITMAP;
+    const HGDIOBJ before = patches.selectObject.original<decltype(SelectObject)>()(dc, object);
+    if (const auto memory = memoryBitmaps.find(dc); bitmap && before != nullptr && memory != memoryBitmaps.end()) {
+        memory->second = object;
+    }
+    return before;
 }
 
 HPALETTE WINAPI countSelectPalette(HDC dc, HPALETTE palette, BOOL background) {
@@ -135,6 +184,7 @@ HANDLE WINAPI countSetClipboardData(UINT format, HANDLE data) {
 
 GdiCalls::GdiCalls(Fail fail) {
     vellum::test::counts = {};
+    memoryBitmaps.clear();
     failing = fail;
     patches.createBitmap.replace("CreateBitmap", &countCreateBitmap);
     patches.createCompatibleBitmap.replace("CreateCompatibleBitmap", &countCreateCompatibleBitmap);
@@ -142,6 +192,11 @@ GdiCalls::GdiCalls(Fail fail) {
     patches.deleteObject.replace("DeleteObject", &countDeleteObject);
     patches.getDc.replace("GetDC", &countGetDc);
     patches.releaseDc.replace("ReleaseDC", &countReleaseDc);
+    patches.createCompatibleDc.replace("CreateCompatibleDC", &countCreateCompatibleDc);
+    patches.deleteDc.replace("DeleteDC", &countDeleteDc);
+    patches.saveDc.replace("SaveDC", &countSaveDc);
+    patches.restoreDc.replace("RestoreDC", &countRestoreDc);
+    patches.selectObject.replace("SelectObject", &countSelectObject);
     patches.selectPalette.replace("SelectPalette", &countSelectPalette);
     patches.realizePalette.replace("RealizePalette", &countRealizePalette);
     patches.setDiBits.replace("SetDIBits", &countSetDiBits);
@@ -160,6 +215,11 @@ GdiCalls::~GdiCalls() {
                           &patches.deleteObject,
                           &patches.getDc,
                           &patches.releaseDc,
+                          &patches.createCompatibleDc,
+                          &patches.deleteDc,
+                          &patches.saveDc,
+                          &patches.restoreDc,
+                          &patches.selectObject,
                           &patches.selectPalette,
                           &patches.realizePalette,
                           &patches.setDiBits,

@@ -1,4 +1,4 @@
-// Windows: counts the GDI objects and screen contexts that the library holds, and makes chosen calls of it fail.
+// Windows: counts the GDI objects and device contexts that the library holds, and makes chosen calls of it fail.
 #pragma once
 
 #include "support/import_patch.h"
@@ -8,7 +8,17 @@ namespace vellum::test {
 // While it lives, counts; one object at a time.
 class GdiCalls {
 public:
-    enum class Fail { Nothing, GetDc, Bitmap, Palette, GetDiBits, OpenClipboard, GetClipboardData, SetClipboardData };
+    enum class Fail {
+        Nothing,
+        GetDc,
+        MemoryDc,
+        Bitmap,
+        Palette,
+        GetDiBits,
+        OpenClipboard,
+        GetClipboardData,
+        SetClipboardData
+    };
 
     explicit GdiCalls(Fail fail = Fail::Nothing);
     GdiCalls(const GdiCalls &) = delete;
@@ -18,6 +28,9 @@ public:
     struct Counts {
         int objects = 0; // created less deleted
         int contexts = 0;
+        int memoryContexts = 0; // created less deleted
+        int savedStates = 0;    // SaveDC less RestoreDC
+        int deletedInUse = 0;   // bitmaps deleted while a memory context had them selected
         int paletteSelections = 0;
         int paletteRealizations = 0;
         int clipboardOpen = 0; // opened less closed

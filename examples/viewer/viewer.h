@@ -1,0 +1,113 @@
+/*
+ * An example of a program that shows pages with VELLUM32.DLL. What it keeps, and what its files do:
+ *   document.c   the file and its page; the only one that asks the library about files
+ *   placement.c  how large the page becomes on the screen, and how to tell the painter so
+ *   view.c       painting and scrolling
+ *   commands.c   what the menu does
+ *   main.c       the window and its messages
+ */
+#ifndef VIEWER_H
+#define VIEWER_H
+
+#include "vellum32.h"
+
+/* ---------------------------------------------------------------- document.c -------------------------------------- */
+
+/* Pixels, and dots per inch: 0 for a page that does not tell. */
+typedef struct PageSize {
+    LONG width;
+    LONG height;
+    double dotsPerInchX;
+    double dotsPerInchY;
+} PageSize;
+
+/* A file and the page of it that is shown. No file is kept open: the library opens it for every call. */
+typedef struct Document {
+    char path[MAX_PATH];
+    DWORD nameOffset;  /* where the last part of path begins */
+    LONG kind;         /* VELLUM_SHOW_TIFF, VELLUM_SHOW_CALS */
+    DWORD pageCount;   /* 0: no document */
+    DWORD page;        /* from 0 */
+    PageSize pageSize; /* all 0 when the page cannot be described */
+    DWORD pageError;   /* why it cannot be */
+} Document;
+
+/* Opens a file at its first page. Result: FALSE, with TiffError telling why, leaves *document as it was. */
+BOOL openDocument(Document *document, const char *path);
+
+/* Goes to a page, and looks at it, and at the number of pages, afresh. A page that is not there changes nothing. */
+BOOL goToPage(Document *document, DWORD page);
+
+/* Loads the page as a packed DIB that the caller frees. Result: NULL, with TiffError telling why. */
+HGLOBAL loadPage(const Document *document);
+
+/* Puts the page onto the clipboard. Result: FALSE, with TiffError telling why, unless the clipboard is in use. */
+BOOL copyPage(const Document *document, HWND owner);
+
+/* Shows the library's information dialog. Result: FALSE, with TiffError telling why, when it could not be shown. */
+BOOL showInformation(const Document *document, HWND owner);
+
+/* ---------------------------------------------------------------- placement.c ------------------------------------- */
+
+/* How large a page is shown. */
+typedef enum Sizing {
+    SIZING_FIT,    /* the whole page, as large as the window lets it */
+    SIZING_PIXELS, /* a pixel of the page on a pixel of the screen */
+    SIZING_TRUE    /* an inch on paper is an inch of the screen */
+} Sizing;
+
+typedef struct View {
+    Sizing sizing;
+    DWORD rotation; /* VELLUM_ROTATE_..., quarter turns clockwise */
+    BOOL inverted;
+    BOOL painting; /* while DecompressToScreen is at work */
+} View;
+
+/* What DecompressToScreen is told, and the size on the screen that comes of it. */
+typedef struct Placement {
+    DWORD flags;
+    DWORD ratios[4];
+    SIZE size;
+} Placement;
+
+Placement placePage(const PageSize *page, const View *view, const SIZE *client, const SIZE *screenDotsPerInch);
+
+/* ---------------------------------------------------------------- view.c ------------------------------------------ */
+
+typedef struct Viewer {
+    HWND window;
+    Document document;
+    View view;
+} Viewer;
+
+/* Gives the scroll bars their range. Once, when the window is new. */
+void prepareScrolling(HWND window);
+
+/* WM_PAINT. */
+void paintView(Viewer *viewer);
+
+/* WM_HSCROLL, WM_VSCROLL. bar: SB_HORZ or SB_VERT; request: SB_LINEUP and so on. */
+void handleScrollBar(Viewer *viewer, int bar, WORD request);
+
+/* Moves the part that is shown, and paints it; above 0 to the right or down. */
+void scrollPixels(Viewer *viewer, int bar, LONG pixels);
+void scrollToStart(Viewer *viewer);
+
+/* Turns the page clockwise by 90 degrees; what the window shows of it stays about the same. */
+void rotateView(Viewer *viewer);
+
+/* The distance of an arrow key or an arrow of a scroll bar, in pixels. */
+#define SCROLL_LINE 40
+
+/* ---------------------------------------------------------------- commands.c -------------------------------------- */
+
+/* Shows a file; says so when it cannot, and leaves what is shown. */
+void openFile(Viewer *viewer, const char *path);
+
+/* Does what a menu item is for. */
+void runCommand(Viewer *viewer, UINT command);
+
+/* Brings caption and menu up to date. */
+void updateFrame(const Viewer *viewer);
+
+#endif
