@@ -101,6 +101,9 @@ bool drawNote(HDC dc, const NoteRecord &note, const NoteCanvas &canvas, const No
         return false;
     }
     const SavedDc saved(dc);
+    if (!saved) {
+        return false;
+    }
     SetTextAlign(dc, TA_LEFT | TA_TOP | TA_NOUPDATECP);
     SetBkMode(dc, note.opaque != 0 ? OPAQUE : TRANSPARENT);
     if (note.opaque != 0) {

@@ -134,8 +134,7 @@ RECT paintedArea(const Placement &placement, const Request &request) {
 
 void paint(HDC dc, const DibView &dib, const Placement &placement, const Request &request) {
     const RECT area = paintedArea(placement, request);
-    if (dib && area.left < area.right && area.top < area.bottom) {
-        const PixelUnits pixels(dc);
+    if (const PixelUnits pixels(dc); pixels && dib && area.left < area.right && area.top < area.bottom) {
         IntersectClipRect(dc, area.left, area.top, area.right, area.bottom);
         const bool inverted = (request.mode & VELLUM_SHOW_INVERTED) != 0;
         drawPicture(dc, dib, placement, inverted ? NOTSRCCOPY : SRCCOPY);

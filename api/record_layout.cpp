@@ -25,21 +25,6 @@ VELLUM_FIELD(IocaHeader, compression, 14);
 VELLUM_FIELD(IocaHeader, firstBlockLength, 16);
 VELLUM_FIELD(IocaHeader, firstBlockPosition, 18);
 
-static_assert(sizeof(CalsInfo) == 24);
-VELLUM_FIELD(CalsInfo, rtype, 0);
-VELLUM_FIELD(CalsInfo, rorient, 4);
-VELLUM_FIELD(CalsInfo, rpelcnt, 12);
-VELLUM_FIELD(CalsInfo, rdensty, 20);
-
-static_assert(sizeof(CalsNotes) == 28);
-VELLUM_FIELD(CalsNotes, srcdocid, 0);
-VELLUM_FIELD(CalsNotes, dstdocis, 4);
-VELLUM_FIELD(CalsNotes, txtfileid, 8);
-VELLUM_FIELD(CalsNotes, figid, 12);
-VELLUM_FIELD(CalsNotes, scrgph, 16);
-VELLUM_FIELD(CalsNotes, doccls, 20);
-VELLUM_FIELD(CalsNotes, notes, 24);
-
 static_assert(sizeof(FaxPageParams) == 488);
 VELLUM_FIELD(FaxPageParams, textFile, 0);
 VELLUM_FIELD(FaxPageParams, pageWidth, 256);
@@ -54,6 +39,21 @@ VELLUM_FIELD(FaxPageParams, lineSpacing, 412);
 VELLUM_FIELD(FaxPageParams, tabStops, 416);
 VELLUM_FIELD(FaxPageParams, flags, 480);
 VELLUM_FIELD(FaxPageParams, fontDescription, 484);
+
+static_assert(sizeof(CalsInfo) == 24);
+VELLUM_FIELD(CalsInfo, rtype, 0);
+VELLUM_FIELD(CalsInfo, rorient, 4);
+VELLUM_FIELD(CalsInfo, rpelcnt, 12);
+VELLUM_FIELD(CalsInfo, rdensty, 20);
+
+static_assert(sizeof(CalsNotes) == 28);
+VELLUM_FIELD(CalsNotes, srcdocid, 0);
+VELLUM_FIELD(CalsNotes, dstdocis, 4);
+VELLUM_FIELD(CalsNotes, txtfileid, 8);
+VELLUM_FIELD(CalsNotes, figid, 12);
+VELLUM_FIELD(CalsNotes, scrgph, 16);
+VELLUM_FIELD(CalsNotes, doccls, 20);
+VELLUM_FIELD(CalsNotes, notes, 24);
 
 static_assert(sizeof(NoteRecord) == 32);
 VELLUM_FIELD(NoteRecord, inHeader, 0);

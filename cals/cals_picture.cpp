@@ -47,6 +47,28 @@ Error measureCals(const CalsInfo &info, CalsPicture &picture) {
     return Error::None;
 }
 
+std::optional<DWORD> calsCodeBytes(const char *path) {
+    const Stream file(openFileStream(path, kOpenRead));
+    const LONG size = file ? sizeOfStream(file.get()) : -1;
+    if (size < 0) {
+        return std::nullopt;
+    }
+    return size > VELLUM_CALS_HEADER ? static_cast<DWORD>(size) - VELLUM_CALS_HEADER : 0;
+}
+
+Error checkCalsWorth(const char *path, const CalsPicture &picture) {
+    const auto bytes = picture.imageBytes().fit();
+    if (bytes && *bytes <= kNeedsNoProof) {
+        return Error::None;
+    }
+    const auto code = calsCodeBytes(path);
+    if (!code) {
+        return Error::Io;
+    }
+    return worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.bytesPerLine(), *code) ? Error::None
+                                                                                                   : Error::NoMemory;
+}
+
 Error decodeCals(const char *path, const CalsPicture &picture, LineFunc lineFunction, DWORD userValue) {
     const Stream file(openFileStream(path, kOpenRead));
     const LONG size = file ? sizeOfStream(file.get()) : -1;

@@ -6,6 +6,8 @@
 #include "support/checked_size.h"
 #include "vellum32.h"
 
+#include <optional>
+
 namespace vellum {
 
 // A header of 1 bit per pixel and its colours: white and black.
@@ -28,6 +30,12 @@ struct CalsPicture {
 
 // A header may claim any number of pixels. Error 1 for numbers that no picture has.
 Error measureCals(const CalsInfo &info, CalsPicture &picture);
+
+// The bytes behind a file's header; nothing when it cannot be opened.
+std::optional<DWORD> calsCodeBytes(const char *path);
+
+// A small file may claim a huge picture: error 1 when the file cannot fill it, so that it gets neither memory nor time.
+Error checkCalsWorth(const char *path, const CalsPicture &picture);
 
 // Decodes the picture of a CALS file. Error 6 when the file cannot be opened, 5 when it ends with its header.
 Error decodeCals(const char *path, const CalsPicture &picture, LineFunc lineFunction, DWORD userValue);

@@ -61,7 +61,8 @@ public:
     CalsNumbers(const char *record, std::string_view keyword)
         : record_(record, kCalsRecordBytes), position_(keyword.size()) {}
 
-    // 0 for what is no number, the nearest LONG for what is none. Then one character is passed over, whichever it is.
+    // 0 for what is no number, and the nearest LONG for one that none can hold. Then one character is passed over,
+    // whichever it is.
     LONG next();
 
 private:

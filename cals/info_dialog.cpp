@@ -8,6 +8,7 @@
 #include "support/screen_dc.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
@@ -16,21 +17,19 @@ namespace {
 
 constexpr char kTemplate[] = "CALSINFO";
 
+constexpr int kKeywordColumn = 12;
+
 // A keyword's column, what stands behind it, and a record.
 struct ListLine {
-    char text[12 + 2 + kCalsRecordBytes];
+    char text[kKeywordColumn + 2 + kCalsRecordBytes];
 };
 
 ListLine listLine(const char *record) {
     const CalsString trimmed = trimmedCalsRecord(record);
     ListLine line;
     if (const char *colon = std::strchr(trimmed.data(), ':'); colon != nullptr) {
-        const CalsString keyword = [&] {
-            CalsString copy{};
-            std::copy(trimmed.data(), colon, copy.begin());
-            return copy;
-        }();
-        std::snprintf(line.text, sizeof line.text, "%-12.12s: %s", keyword.data(), colon + 1);
+        const auto keyword = static_cast<int>(std::min<std::ptrdiff_t>(colon - trimmed.data(), kKeywordColumn));
+        std::snprintf(line.text, sizeof line.text, "%-*.*s: %s", kKeywordColumn, keyword, trimmed.data(), colon + 1);
     } else {
         std::snprintf(line.text, sizeof line.text, "%s", trimmed.data());
     }

@@ -3,30 +3,45 @@
 #include "cals/cals_header.h"
 #include "cals/cals_picture.h"
 #include "codec/decode_driver.h"
-#include "core/stream.h"
+#include "core/message_box.h"
 #include "display/loading.h"
 #include "support/wait_cursor.h"
+
+#include <cstdint>
 
 namespace vellum {
 namespace {
 
 constexpr DWORD kSpareBytes = 100;
 
-// A small file may claim a huge picture: such a one gets its memory only when the file can fill it.
-Error checkWorth(const char *path, const CalsPicture &picture) {
-    const auto bytes = picture.imageBytes().fit();
-    if (bytes && *bytes <= kNeedsNoProof) {
+DWORD VELLUMAPI countLine(BYTE *, DWORD, DWORD *lines) {
+    ++*lines;
+    return 0;
+}
+
+// Decodes a picture to nowhere: of one that is kept at least a sixteenth must be there.
+Error checkLines(const char *path, const CalsPicture &picture) {
+    constexpr DWORD kLeastPart = 16;
+    const WaitCursor wait;
+    DWORD lines = 0;
+    const Error error = decodeCals(path, picture, asLineFunc<countLine>, userValueOf(lines));
+    if (error != Error::None && !leavesPartOfThePicture(error)) {
+        return error;
+    }
+    return error == Error::None || lines >= picture.height / kLeastPart ? Error::None : Error::NoMemory;
+}
+
+// A picture that is denser than any drawing must prove that it is there before it gets its memory.
+Error checkThere(const char *path, const CalsPicture &picture) {
+    constexpr std::uint64_t kDensestDrawing = 1000;
+    if (const Error error = checkCalsWorth(path, picture); error != Error::None) {
+        return error;
+    }
+    const DWORD bytes = picture.imageBytes().fit().value_or(0);
+    if (bytes <= kNeedsNoProof) {
         return Error::None;
     }
-    const Stream file(openFileStream(path, kOpenRead));
-    const LONG size = file ? sizeOfStream(file.get()) : -1;
-    if (size < 0) {
-        return Error::Io;
-    }
-    const auto whole = static_cast<DWORD>(size);
-    const DWORD code = whole > VELLUM_CALS_HEADER ? whole - VELLUM_CALS_HEADER : 0;
-    return worthAllocating(picture.imageBytes(), VELLUM_KEY_GROUP4, picture.bytesPerLine(), code) ? Error::None
-                                                                                                  : Error::NoMemory;
+    return bytes <= kDensestDrawing * calsCodeBytes(path).value_or(0) ? Error::None : checkLines(path, picture);
 }
 
 Error decodeInto(BYTE *bits, const char *path, const CalsPicture &picture) {
@@ -41,7 +56,7 @@ Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
     if (const Error error = measureCals(info, picture); error != Error::None) {
         return error;
     }
-    if (const Error error = checkWorth(path, picture); error != Error::None) {
+    if (const Error error = checkThere(path, picture); error != Error::None) {
         return error;
     }
     dib = GlobalBlock::allocate(Size(sizeof(BilevelInfo) + kSpareBytes) + picture.imageBytes());
@@ -54,7 +69,7 @@ Error loadInto(GlobalBlock &dib, const char *path, const CalsInfo &info) {
 }
 
 void warn(Error error) {
-    MessageBoxA(nullptr, errorMessage(number(error)), "CALS warning", MB_TASKMODAL | MB_ICONEXCLAMATION);
+    tellUser(errorMessage(number(error)), "CALS warning", MB_TASKMODAL | MB_ICONEXCLAMATION);
 }
 
 HGLOBAL loadCals(const char *path) {

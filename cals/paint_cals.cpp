@@ -64,6 +64,9 @@ bool paintCals(const char *path, const ScreenRequest &request) {
     if (const Error error = measureCals(info, picture); error != Error::None) {
         return recorded(error) != 0;
     }
+    if (const Error error = checkCalsWorth(path, picture); error != Error::None) {
+        return recorded(error) != 0;
+    }
     const WaitCursor wait;
     return paintOnScreen(onScreen(picture, request.dc), CalsOnScreen(path, picture), request);
 }

@@ -36,7 +36,7 @@ CalsInfo infoOf(const DibView &dib, const LONG *orientation) {
 
 RawImage rawImage(const DibView &dib, StreamHandle stream, DWORD userValue) {
     return {stream, dib.width(),          dib.height(), VELLUM_KEY_GROUP4,
-            1,      VELLUM_BYTE_ORDER_II, userValue,    kFillLines<DllFillCALSLineDIB>};
+            1,      VELLUM_BYTE_ORDER_II, userValue,    asLineFunc<DllFillCALSLineDIB>};
 }
 
 // Whether there is code for the picture, asked before its file is touched.

@@ -92,11 +92,13 @@ Error decodeMmrImage(const RawRequest &request) {
 
 bool worthAllocating(Size imageBytes, DWORD compressionKey, DWORD bytesPerLine, DWORD streamBytes) {
     const auto bytes = imageBytes.fit();
+    return bytes && (*bytes <= kNeedsNoProof || canFill(imageBytes, compressionKey, bytesPerLine, streamBytes));
+}
+
+bool canFill(Size imageBytes, DWORD compressionKey, DWORD bytesPerLine, DWORD streamBytes) {
+    const auto bytes = imageBytes.fit();
     if (!bytes) {
         return false;
-    }
-    if (*bytes <= kNeedsNoProof) {
-        return true;
     }
     // Image bytes that a byte of code can stand for at most: a blank line is one bit of Group 4, but lines so long that
     // no scanner makes them prove nothing; runs, packets and strings have their limits.

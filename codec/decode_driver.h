@@ -34,5 +34,7 @@ constexpr DWORD kNeedsNoProof = 16u << 20;
 // Whether code of a stream can fill this many image bytes at all, with room for damage: beyond kNeedsNoProof a picture
 // of gigabytes in a file of a kilobyte is not worth its memory.
 bool worthAllocating(Size imageBytes, DWORD compressionKey, DWORD bytesPerLine, DWORD streamBytes);
+// Whether it can, however few they are.
+bool canFill(Size imageBytes, DWORD compressionKey, DWORD bytesPerLine, DWORD streamBytes);
 
 } // namespace vellum

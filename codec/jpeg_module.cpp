@@ -2,6 +2,7 @@
 #include "codec/jpeg_module.h"
 
 #include "core/library_state.h"
+#include "core/message_box.h"
 #include "support/loaded_module.h"
 
 namespace vellum {
@@ -23,7 +24,7 @@ constexpr EntryName kEncoder = {"JPEGEncoder", "'JPEGEncoder' function is not fo
 using CodecEntry = DWORD(VELLUMAPI *)(CodecState *);
 
 void tell(const char *text) {
-    MessageBoxA(nullptr, text, kCaption, MB_TASKMODAL);
+    tellUser(text, kCaption, MB_TASKMODAL);
 }
 
 HMODULE loadedModule() {

@@ -72,6 +72,9 @@ struct LibraryState {
     // core/stream.cpp: a slot is valid from the opening of a memory stream to its close.
     MemoryStreamSlot memoryStreams[kMemoryStreamSlots];
 
+    // core/message_box.cpp: true while a message box of the library's own accord is open.
+    bool tellingUser = false;
+
     // core/image_dimensions.cpp: the screen's resolution in dots per inch; 0 until an image needs it.
     DWORD screenDpiX = 0;
     DWORD screenDpiY = 0;

@@ -21,9 +21,18 @@ void placeInBitmap(const BYTE *line, DWORD row, const LoadLineContext &context) 
               context.strideOrUsage);
 }
 
+// Bilevel pictures stay so, others have the screen's depth.
+bool isBilevel(const BITMAPINFOHEADER &header) {
+    return header.biClrUsed == 2;
+}
+
+DWORD bitsInBitmap(HDC dc, const BITMAPINFOHEADER &header) {
+    return isBilevel(header) ? 1 : static_cast<DWORD>(GetDeviceCaps(dc, PLANES) * GetDeviceCaps(dc, BITSPIXEL));
+}
+
 HBITMAP createBitmap(HDC dc, const BITMAPINFOHEADER &header) {
-    return header.biClrUsed == 2 ? CreateBitmap(header.biWidth, header.biHeight, 1, 1, nullptr)
-                                 : CreateCompatibleBitmap(dc, header.biWidth, header.biHeight);
+    return isBilevel(header) ? CreateBitmap(header.biWidth, header.biHeight, 1, 1, nullptr)
+                             : CreateCompatibleBitmap(dc, header.biWidth, header.biHeight);
 }
 
 } // namespace
@@ -39,7 +48,7 @@ HBITMAP loadBitmap(TiffHandle tiff, DWORD index) {
     if (!header) {
         return nullptr;
     }
-    const bool worthIt = worthLoading(tiff, index, *header);
+    const bool worthIt = worthLoading(tiff, index, *header, bitsInBitmap(dc.get(), *header));
     // A load that never reaches the decoder ends for want of memory.
     setError(Error::NoMemory);
     if (!worthIt) {
@@ -51,6 +60,7 @@ HBITMAP loadBitmap(TiffHandle tiff, DWORD index) {
     if (!bitmap) {
         return nullptr;
     }
+    // The bitmap is selected nowhere: a screen's device context takes none, and SetDIBits wants it free.
     LoadLineContext context{};
     context.dc = dc.get();
     context.bitmap = bitmap.get();

@@ -29,8 +29,8 @@ std::optional<DibLayout> layoutOf(HGLOBAL block) {
 
 // Grows a header and colour table to the whole DIB. An empty block when there is no memory for it.
 GlobalBlock grownToDib(TiffHandle tiff, DWORD index, GlobalBlock block, const DibLayout &layout) {
-    const bool grown =
-        worthLoading(tiff, index, layout.header) && block.grow(Size(layout.bitsOffset) + layout.imageBytes);
+    const bool grown = worthLoading(tiff, index, layout.header, layout.header.biBitCount) &&
+                       block.grow(Size(layout.bitsOffset) + layout.imageBytes);
     if (!grown) {
         block.reset();
     }

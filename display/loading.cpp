@@ -31,16 +31,16 @@ bool userWants(TiffHandle tiff, DWORD index) {
     return answer == IDOK;
 }
 
-bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header) {
+bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header, DWORD bitsInMemory) {
     const auto width = static_cast<DWORD>(header.biWidth);
-    const Size imageBytes = dibRowBytes(width, header.biBitCount) * Size(static_cast<DWORD>(header.biHeight));
-    const auto bytes = imageBytes.fit();
-    if (bytes && *bytes <= kNeedsNoProof) {
-        return true;
+    const Size height(static_cast<DWORD>(header.biHeight));
+    const auto memoryBytes = (dibRowBytes(width, bitsInMemory) * height).fit();
+    if (!memoryBytes || *memoryBytes <= kNeedsNoProof) {
+        return memoryBytes.has_value();
     }
     const DWORD compression = firstValue(tiff, index, Tag::Compression).value_or(1);
     const DWORD rowBytes = lineBytes(width, header.biBitCount).fit().value_or(0);
-    return worthAllocating(imageBytes, compression, rowBytes, streamBytes(tiff));
+    return canFill(dibRowBytes(width, header.biBitCount) * height, compression, rowBytes, streamBytes(tiff));
 }
 
 bool leavesPartOfThePicture(Error error) {

@@ -2,31 +2,14 @@
 // image and asks the user if it is told to (loadImage), then decodes.
 #pragma once
 
+#include "codec/context_lines.h"
 #include "core/loaded_image.h"
 
 namespace vellum {
 
-// A line function with a context of its own as a LineFunc, whose user value is the context's address.
-template <auto lineFunction>
-struct ContextLineFunc;
-template <class Row, class Context, DWORD(VELLUMAPI *lineFunction)(BYTE *, Row, Context *)>
-struct ContextLineFunc<lineFunction> {
-    static DWORD VELLUMAPI call(BYTE *line, DWORD row, DWORD userValue) {
-        return lineFunction(line, static_cast<Row>(row), reinterpret_cast<Context *>(static_cast<UINT_PTR>(userValue)));
-    }
-};
-template <auto lineFunction>
-inline constexpr LineFunc asLineFunc = &ContextLineFunc<lineFunction>::call;
-
-// The address of a context as a user value.
-template <class Context>
-DWORD userValueOf(Context &context) {
-    return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(&context));
-}
-
-// Whether the image's file can fill a picture of this size: a small file may claim a huge one. The file is looked at
-// only for large pictures.
-bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header);
+// Whether the image's file can fill a picture of this size, which has so many bits per pixel in memory: a small file
+// may claim a huge one. The file is looked at only for large pictures.
+bool worthLoading(TiffHandle tiff, DWORD index, const BITMAPINFOHEADER &header, DWORD bitsInMemory);
 
 // Decodes a whole registered image through a line function that works on a context.
 inline bool decodeInto(TiffHandle tiff, DWORD index, LoadLineContext &context, LineFunc lineFunction) {

@@ -1,5 +1,6 @@
 // Painting of an image of a TIFF file, and of a file of any kind. What paints the others is called as a program would.
 #include "core/image_info.h"
+#include "core/message_box.h"
 #include "core/tiff_header.h"
 #include "display/loading.h"
 #include "display/screen_lines.h"
@@ -46,7 +47,9 @@ void tellOfUnsupportedDepth(TiffHandle tiff, DWORD index) {
     header.biBitCount = 1; // stays so for separate planes
     GetTiffDimensions(tiff, index, &header);
     if (header.biBitCount != 1) {
-        MessageBoxA(nullptr, kUnsupported, kCaption, MB_TASKMODAL);
+        tellUser(kUnsupported, kCaption, MB_TASKMODAL);
+        // The program may have painted another picture meanwhile.
+        setError(Error::BadColorFormat);
     }
 }
 
@@ -57,14 +60,14 @@ bool paintImage(TiffHandle tiff, DWORD index, const ScreenRequest &request) {
         tellOfUnsupportedDepth(tiff, index);
         return false;
     }
-    WORD bitsPerPixel = 0;
-    if (const GlobalView<const BITMAPINFOHEADER> header(picture.info.get()); header) {
-        picture.dotsPerInchX = header->biXPelsPerMeter * kMetersPerInchOnScreen;
-        picture.dotsPerInchY = header->biYPelsPerMeter * kMetersPerInchOnScreen;
-        picture.inverted = isInverted(tiff, index, *header);
-        bitsPerPixel = header->biBitCount;
+    const GlobalView<const BITMAPINFOHEADER> header(picture.info.get());
+    if (!header || !worthLoading(tiff, index, *header, header->biBitCount)) {
+        return recorded(Error::NoMemory) != 0;
     }
-    return paintOnScreen(picture, TiffOnScreen(tiff, index, bitsPerPixel), request);
+    picture.dotsPerInchX = header->biXPelsPerMeter * kMetersPerInchOnScreen;
+    picture.dotsPerInchY = header->biYPelsPerMeter * kMetersPerInchOnScreen;
+    picture.inverted = isInverted(tiff, index, *header);
+    return paintOnScreen(picture, TiffOnScreen(tiff, index, header->biBitCount), request);
 }
 
 LONG paintTiff(const char *path, DWORD index, const ScreenRequest &request) {

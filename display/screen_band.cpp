@@ -65,9 +65,7 @@ void ScreenBand::describe(BITMAPINFOHEADER &header) const {
 
 LONG ScreenBand::canvasPlace(LONG row) const {
     const bool fromTheEnd = projection_.rotation == Rotation::By90 || projection_.rotation == Rotation::By180;
-    // Modulo 2 to the power of 32, as a companion module may deliver any number.
-    const auto last = static_cast<DWORD>(projection_.acrossLines().canvas) - 1;
-    return fromTheEnd ? static_cast<LONG>(last - static_cast<DWORD>(row)) : row;
+    return fromTheEnd ? projection_.acrossLines().canvas - 1 - row : row;
 }
 
 // Rows of a DIB lie bottom first.
@@ -94,8 +92,12 @@ BYTE *ScreenBand::claimSlot(LONG position, const ScreenLineContext &context) {
 void ScreenBand::add(Rotation rotation, ScreenDepth depth, const BYTE *line, LONG row,
                      const ScreenLineContext &context) {
     const Projection &across = projection_.acrossLines();
+    // A companion module may deliver any number.
+    if (rotation != projection_.rotation || depth != screenDepth(bitsPerPixel_) || row < 0 || row >= across.canvas) {
+        return;
+    }
     const LONG place = canvasPlace(row);
-    if (rotation != projection_.rotation || depth != screenDepth(bitsPerPixel_) || !across.shown.holds(place)) {
+    if (!across.shown.holds(place)) {
         return;
     }
     const BYTE *sampled = nullptr;

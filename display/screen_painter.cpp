@@ -150,20 +150,14 @@ ScreenLineContext lineContext(const ScreenPicture &picture, BITMAPINFO &info, co
     return context;
 }
 
-// Decodes the picture onto the device context, which counts in pixels. False when the lines cannot be shown.
-bool paintLines(const ScreenSource &source, ScreenBand &band, HPALETTE palette, ScreenLineContext &context,
+// Decodes the picture onto the device context, which counts in pixels.
+void paintLines(const ScreenSource &source, ScreenBand &band, HDC memory, ScreenLineContext &context,
                 Rotation rotation) {
-    const MemoryDc memory(context.dc);
-    if (!memory) {
-        return false;
-    }
-    const SelectedPalette selectedPalette(memory.get(), palette);
-    const SelectedObject selectedBitmap(memory.get(), band.bitmap());
-    band.begin(memory.get());
+    const SelectedObject selectedBitmap(memory, band.bitmap());
+    band.begin(memory);
     const ShownPicture shown(band);
     source.decode(source.lineFunction(rotation), userValueOf(context));
     band.flush(context);
-    return true;
 }
 
 } // namespace
@@ -177,6 +171,11 @@ bool paintOnScreen(const ScreenPicture &picture, const ScreenSource &source, con
     const Rotation rotation = rotationOf(request);
     const OwnedPalette palette = makePalette(&header, info.bytes());
     const RealizedPalette realized(request.dc, palette.get());
+    const MemoryDc memory(request.dc);
+    if (!memory) {
+        return recorded(Error::NoMemory) != 0;
+    }
+    const SelectedPalette selectedPalette(memory.get(), palette.get());
     SetStretchBltMode(request.dc, header.biBitCount == 1 ? WHITEONBLACK : COLORONCOLOR);
     const Extent size{header.biWidth, header.biHeight};
     const Placement placement = place(picture, swapsSides(rotation) ? size.turned() : size, request);
@@ -191,9 +190,10 @@ bool paintOnScreen(const ScreenPicture &picture, const ScreenSource &source, con
     }
     band.describe(header);
     const PixelUnits pixels(request.dc);
-    if (!paintLines(source, band, palette.get(), context, rotation)) {
+    if (!pixels) {
         return recorded(Error::NoMemory) != 0;
     }
+    paintLines(source, band, memory.get(), context, rotation);
     finishWindow(request.window, request.dc, placement.client, {projection.columns.length(), projection.rows.length()});
     return lastError() == Error::None;
 }

@@ -3,6 +3,8 @@
 
 #include "support/gdi_objects.h"
 
+#include <algorithm>
+
 namespace vellum {
 namespace {
 
@@ -27,16 +29,38 @@ Extent clientArea(HWND window, HDC dc) {
         return extentOf(area);
     }
     const PixelUnits pixels(dc);
-    GetClipBox(dc, &area);
+    if (GetClipBox(dc, &area) == ERROR) {
+        return {GetDeviceCaps(dc, HORZRES), GetDeviceCaps(dc, VERTRES)};
+    }
     return {area.right, area.bottom};
 }
 
-// The client area as it would be without scroll bars.
+// What of a window's frame lies beside its client area.
+struct Margins {
+    LONG side; // the wider one
+    LONG bottom;
+};
+
+Margins marginsOf(HWND window) {
+    RECT whole{};
+    RECT client{};
+    GetWindowRect(window, &whole);
+    GetClientRect(window, &client);
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT *>(&client), 2);
+    return {std::max(client.left - whole.left, whole.right - client.right), whole.bottom - client.bottom};
+}
+
+// The client area as it would be without scroll bars. A window that is too small for a bar has it without showing it.
 Extent roomWithoutBars(HWND window, const Extent &barThickness) {
     Extent room = clientArea(window, nullptr);
     const auto style = GetWindowLongA(window, GWL_STYLE);
-    room.width += (style & WS_VSCROLL) != 0 ? barThickness.width : 0;
-    room.height += (style & WS_HSCROLL) != 0 ? barThickness.height : 0;
+    const Margins margins = marginsOf(window);
+    if ((style & WS_VSCROLL) != 0 && margins.side >= barThickness.width) {
+        room.width += barThickness.width;
+    }
+    if ((style & WS_HSCROLL) != 0 && margins.bottom >= barThickness.height) {
+        room.height += barThickness.height;
+    }
     return room;
 }
 
@@ -82,8 +106,8 @@ Extent hideScrollBars(HWND window, HDC dc) {
 }
 
 void fillBackground(HWND window, HDC dc, const Extent &client, const RECT &picture) {
-    if (HBRUSH brush = classBrush(window); brush != nullptr) {
-        const PixelUnits pixels(dc);
+    const PixelUnits pixels(dc);
+    if (HBRUSH brush = classBrush(window); brush != nullptr && pixels) {
         if (picture.left < picture.right && picture.top < picture.bottom) {
             ExcludeClipRect(dc, picture.left, picture.top, picture.right, picture.bottom);
         }

@@ -126,28 +126,6 @@ typedef struct IocaHeader {
     DWORD firstBlockPosition;  /* where the first data block's FE lies in the file; 0 when there is none */
 } IocaHeader;
 
-/* The numbers of a CALS header (ReadCALSInfo, DefineCALSHead), by their records. */
-typedef struct CalsInfo {
-    LONG rtype;      /* raster type; 1 in every file that is read or written */
-    LONG rorient[2]; /* two angles in degrees: the pel path, and the line progression counted from it */
-    LONG rpelcnt[2]; /* pixels in a line, and lines */
-    LONG rdensty;    /* dots per inch in both directions */
-} CalsInfo;
-
-/*
- * The texts of a CALS header, by their records; each ends with a NUL. NULL: when read, there is no such text; when
- * defined, "NONE" is written.
- */
-typedef struct CalsNotes {
-    const char *srcdocid;  /* "srcdocid: ", the document in the source system */
-    const char *dstdocis;  /* "dstdocis: ", the document in the destination system */
-    const char *txtfileid; /* "txtfileid: ", the text file */
-    const char *figid;     /* "figid: ", the figure */
-    const char *scrgph;    /* "scrgph: ", the graphics file in the source system */
-    const char *doccls;    /* "doccls: ", the security classification */
-    const char *notes;     /* "notes: ", anything else */
-} CalsNotes;
-
 /*
  * A fax page and the text that it is to be filled with (CreateFaxPageFromASCII, BitmapFormOverlay). Lengths are counted
  * in millimetres, or with VELLUM_FAX_HUNDREDTHS in hundredths of an inch; on the page they become pixels, fractions
@@ -169,6 +147,28 @@ typedef struct FaxPageParams {
     const LOGFONTA *fontDescription; /* NULL, or the font to use instead of fontFace, italic and bold, all but its
                                         height; only looked at when fontFace is not empty */
 } FaxPageParams;
+
+/* The numbers of a CALS header (ReadCALSInfo, DefineCALSHead), by their records. */
+typedef struct CalsInfo {
+    LONG rtype;      /* raster type; 1 in every file that is read or written */
+    LONG rorient[2]; /* two angles in degrees: the pel path, and the line progression counted from it */
+    LONG rpelcnt[2]; /* pixels in a line, and lines */
+    LONG rdensty;    /* dots per inch in both directions */
+} CalsInfo;
+
+/*
+ * The texts of a CALS header, by their records; each ends with a NUL. NULL: when read, there is no such text; when
+ * defined, "NONE" is written.
+ */
+typedef struct CalsNotes {
+    const char *srcdocid;  /* "srcdocid: ", the document in the source system */
+    const char *dstdocis;  /* "dstdocis: ", the document in the destination system */
+    const char *txtfileid; /* "txtfileid: ", the text file */
+    const char *figid;     /* "figid: ", the figure */
+    const char *scrgph;    /* "scrgph: ", the graphics file in the source system */
+    const char *doccls;    /* "doccls: ", the security classification */
+    const char *notes;     /* "notes: ", anything else */
+} CalsNotes;
 
 /*
  * A note: some lines of text with a place on an image. It belongs to the caller, and so do its blocks, except where a
@@ -589,18 +589,22 @@ DWORD VELLUMAPI DecodeMMRImage(StreamHandle stream, DWORD offset, DWORD width, D
 HGLOBAL VELLUMAPI LoadTiffIntoDIB(const char *path, DWORD index, LONG showInfo);
 
 /*
- * Loads an image into a bitmap for the screen, to be deleted by the caller. An early end (5) keeps what there is.
- * showInfo is that of LoadTiffIntoDIB.
+ * Loads an image into a bitmap: a monochrome one of an image of 1 bit per pixel, else one of the screen's depth.
+ *   showInfo  that of LoadTiffIntoDIB
+ * Result: a bitmap that the caller deletes, or NULL. An image whose data end early (5) comes back as far as it goes;
+ * what its other lines hold is not defined. Errors: as LoadTiffIntoDIB, 19 and 20 without a bitmap.
  */
 HBITMAP VELLUMAPI LoadTiffIntoBitmap(const char *path, DWORD index, LONG showInfo);
 
-/* As LoadTiffIntoBitmap, of an open file whose image is registered. */
+/* As LoadTiffIntoBitmap, of an open file whose image is registered. A null handle leaves the error as it was. */
 HBITMAP VELLUMAPI LoadTiffChainIntoBitmap(TiffHandle tiff, DWORD index);
 
 /*
  * Puts an image onto the clipboard as a bitmap.
  *   showInfo  that of LoadTiffIntoDIB; when the user cancels the clipboard stays as it is
- * Result: 1; also 1 when the file cannot be opened or the image not be registered (ask TiffError); 0 otherwise.
+ * Result: 1; also 1 when the file cannot be opened or the image not be registered (ask TiffError); 0 otherwise. When
+ * another program has the clipboard open, the error stays what loading left, as a rule 0. An image whose data end early
+ * is put there as far as it goes, with error 5 pending.
  */
 DWORD VELLUMAPI LoadTiffFileIntoClipboard(const char *path, DWORD index, LONG showInfo);
 
@@ -641,7 +645,8 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
 /*
  * Paints an image of a TIFF file on a window while it is being decoded, line by line, without making a bitmap of it.
  *   window  its client area is what there is room for; its scroll bars say which part of a larger picture is wanted.
- *           NULL: the clip box of the device context takes the client area's place.
+ *           NULL: the device context's pixels from its own upper left corner to the right and bottom of its clip box
+ *           are what there is room for; nothing is filled or validated then.
  *   dc      the window's device context, or any other that the picture is to be painted on
  *   ratios  NULL, or four numbers: numerator and denominator that the horizontal scale of VELLUM_SHOW_BY_RESOLUTION is
  *           multiplied by, and those of the vertical scale. A pair with a zero counts for nothing.
@@ -649,7 +654,7 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
  * By resolution, every direction of the picture has a scale of its own, so that a fax of 204 x 98 dots per inch has
  * its true proportions: device dots per inch (LOGPIXELSX, LOGPIXELSY) over the image's. Fitted, the pixels are square:
  * the picture keeps the proportions of its numbers of pixels. The room for a picture that is turned by 90 or 270
- * degrees is then the client area with width and height exchanged.
+ * degrees is then the client area with width and height exchanged, so that a part of it may be cut off.
  *
  * Scroll bars: a bar is shown where the picture is larger than the client area, else hidden and set to 0; fitting
  * hides both. The part that is shown begins at position x (picture - client area) / range of its bar, in pixels of the
@@ -660,11 +665,16 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
  * validated, also when the image's data were damaged or ended early: what was decoded stays on the screen. The device
  * context keeps the mapping in which a unit is a pixel of the (turned) picture and the origin is the upper left corner
  * of the part that is shown, and the stretching mode; the clipping, the palette and the objects that were selected into
- * it are given back. A bilevel picture has the device context's text and background colours, as every monochrome bitmap
- * (black and white unless they were set).
- * Result: 1, or 0 for an empty path, no device context, or an error. Errors: those of OpenTiffFile, GetTiffImage,
- * GetTiffRGBQuad and DecodeTiffImage; 16 for another number of bits per pixel than 1, 4, 8 and 24, which a message box
- * tells, too.
+ * it are given back. A world transform is not applied to the picture. After errors that come before the image is
+ * decoded (the file, the image, its colours, memory) the window is neither filled nor validated: paint between
+ * BeginPaint and EndPaint, or validate it yourself.
+ *
+ * Showing and hiding scroll bars sends the window WM_SIZE, from which another picture may be painted; a message box
+ * runs a message loop, in which no second box comes up. A window that has no client area, and a scale that makes
+ * nothing of the picture, are successes without a mark. A bilevel picture has the device context's text and background
+ * colours, as every monochrome bitmap (black and white unless they were set). Result: 1, or 0 for an empty path, no
+ * device context, or an error. Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage; 16 for
+ * another number of bits per pixel than 1, 4, 8 and 24, which a message box tells, too.
  */
 LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                       DWORD flags);
@@ -673,7 +683,8 @@ LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWO
  * The same for a file of any format that can be painted.
  *   kind   VELLUM_SHOW_...
  *   index  of the image, for TIFF
- * Result: as of DecompressTiffToScreen; 0 for a file that is none of them, too.
+ * Result: as of DecompressTiffToScreen; 0 for a file that is none of them, too: the error is then that of
+ * ReadCALSHead (18, or 6 for a file that cannot be opened).
  */
 DWORD VELLUMAPI DecompressToScreen(LONG kind, HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                    DWORD flags);

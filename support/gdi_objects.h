@@ -118,19 +118,30 @@ public:
         }
     }
 
+    // What cannot be brought back is not to be changed.
+    explicit operator bool() const { return saved_ != 0; }
+
 private:
     HDC dc_;
     int saved_;
 };
 
-// Lets a device context count in its pixels for a while.
+// Lets a device context count in its pixels for a while, if it can be brought back.
 class PixelUnits {
 public:
     explicit PixelUnits(HDC dc) : saved_(dc) {
+        if (!saved_) {
+            return;
+        }
+        if (GetGraphicsMode(dc) == GM_ADVANCED) {
+            ModifyWorldTransform(dc, nullptr, MWT_IDENTITY);
+        }
         SetMapMode(dc, MM_TEXT);
         SetWindowOrgEx(dc, 0, 0, nullptr);
         SetViewportOrgEx(dc, 0, 0, nullptr);
     }
+
+    explicit operator bool() const { return static_cast<bool>(saved_); }
 
 private:
     SavedDc saved_;

@@ -7,9 +7,9 @@
 namespace tool {
 
 std::span<const Command *const> allCommands() {
-    static constexpr std::array kCommands = {&infoCommand, &convertCommand,  &checkCommand, &tagCommand,
-                                             &noteCommand, &copyCommand,     &splitCommand, &mergeCommand,
-                                             &iocaCommand, &faxAppendCommand};
+    static constexpr std::array kCommands = {&infoCommand, &convertCommand,   &checkCommand, &tagCommand,
+                                             &noteCommand, &copyCommand,      &splitCommand, &mergeCommand,
+                                             &iocaCommand, &faxAppendCommand, &faxCommand,   &stampCommand};
     return kCommands;
 }
 

@@ -38,6 +38,8 @@ extern const Command splitCommand;
 extern const Command mergeCommand;
 extern const Command iocaCommand;
 extern const Command faxAppendCommand;
+extern const Command faxCommand;
+extern const Command stampCommand;
 
 std::span<const Command *const> allCommands();
 const Command *findCommand(std::string_view name);

@@ -100,9 +100,9 @@ public:
 
     [[nodiscard]] LineFunc lines() const {
         if (picture_.bitsPerPixel > 8) {
-            return kFillLines<DllFillTiffLineBitmap24Bit>;
+            return asLineFunc<DllFillTiffLineBitmap24Bit>;
         }
-        return complement_ ? kFillLines<DllFillMonoTiffLine> : kFillLines<DllFillTiffLine>;
+        return complement_ ? asLineFunc<DllFillMonoTiffLine> : asLineFunc<DllFillTiffLine>;
     }
 
 private:
@@ -293,7 +293,7 @@ Error writeCcittFile(const char *fileName, HBITMAP bitmap, DWORD key) {
     CcittLineContext context{source.dc(), bitmap};
     const DWORD encoded = EncodeCcittImageTo(stream.get(), static_cast<DWORD>(picture->width),
                                              static_cast<DWORD>(picture->height), kCcittFillOrder, VELLUM_BYTE_ORDER_II,
-                                             key, userValueOf(context), kFillLines<DllFillCcittLine>);
+                                             key, userValueOf(context), asLineFunc<DllFillCcittLine>);
     return encoded != 0 ? Error::None : lastError();
 }
 

@@ -51,12 +51,12 @@ bool mustExchange(const SavedPicture &picture, Storing storing) {
 
 LineFunc fillFor(const SavedPicture &picture, Storing storing, bool exchange) {
     if (picture.bitsPerPixel > 8) {
-        return kFillLines<DllFillTiffLineDIB24Bit>;
+        return asLineFunc<DllFillTiffLineDIB24Bit>;
     }
     if (storing == Storing::ForGamma) {
-        return kFillLines<DllFillTiffLineDIBforGamma>;
+        return asLineFunc<DllFillTiffLineDIBforGamma>;
     }
-    return exchange ? kFillLines<fillComplementedDibLine> : kFillLines<DllFillTiffLineDIB>;
+    return exchange ? asLineFunc<fillComplementedDibLine> : asLineFunc<DllFillTiffLineDIB>;
 }
 
 SaveLineContext contextOver(const DibView &dib, bool invert) {

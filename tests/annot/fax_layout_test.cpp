@@ -127,6 +127,14 @@ TEST(FaxLayout, WhatAFontOverhangsCountsOncePerText) {
     EXPECT_EQ(laidOut("aaaaa bbbii", smallFrame(), font), (Drawing{{0, 5, 7, "aaaaa "}, {0, 5, 27, "bbbii"}}));
 }
 
+TEST(FaxLayout, NoTextHasNoOverhang) {
+    FontMeasures font = plainFont();
+    font.overhang = 3;
+    EXPECT_EQ(laidOut(std::string(18, '\t') + "a", FaxFrame{.right = 100, .bottom = 100}, font),
+              (Drawing{{0, 0, 0, "a"}}))
+        << "tabs whose stops are all at the left side";
+}
+
 TEST(FaxLayout, APageIsFullWhenTheNextLineWouldBeginInTheMargin) {
     EXPECT_EQ(laidOut("1\r\n2\r\n3\r\n4"), (Drawing{{0, 5, 7, "1"}, {0, 5, 27, "2"}, {0, 5, 47, "3"}, {1, 5, 7, "4"}}));
     FaxFrame frame = smallFrame();

@@ -101,6 +101,21 @@ TEST(HostileCals, ASmallFileThatClaimsAHugePictureIsError1) {
     EXPECT_LT(time.seconds(), kPromptSeconds);
 }
 
+// Lines so long that a few bytes could fill gigabytes if they were blank.
+TEST(HostileCals, AHugePictureThatBlankLinesCouldFillIsTriedOutFirst) {
+    const Stopwatch time;
+    for (const char *counts : {"2000000,7000", "8000000,2000", "1000000,7000"}) {
+        const PeakMemory memory;
+        Bytes some(900, BYTE{0});
+        some.insert(some.begin(), {0xFF, 0xFF}); // sixteen blank lines
+        EXPECT_EQ(load(calsFile(pictureRecords(counts), some)), (Loaded{false, VELLUM_CODE_ERROR})) << counts;
+        const Bytes ends(200, BYTE{0xFF}); // too few blank lines
+        EXPECT_EQ(load(calsFile(pictureRecords("70000,26000"), ends)), (Loaded{false, VELLUM_NO_MEMORY}));
+        EXPECT_LT(memory.bytes(), kLittleMemory) << counts;
+    }
+    EXPECT_LT(time.seconds(), kPromptSeconds);
+}
+
 // A blank line is one bit.
 TEST(HostileCals, ALargePictureInASmallFileLoadsWhenItsCodeIsThere) {
     const MessageBoxes boxes;

@@ -9,8 +9,8 @@
 namespace vellum::test {
 namespace {
 
-const std::vector<std::string> kCommands = {"info", "convert", "check", "tag",  "note",
-                                            "copy", "split",   "merge", "ioca", "fax-append"};
+const std::vector<std::string> kCommands = {"info",  "convert", "check", "tag",        "note", "copy",
+                                            "split", "merge",   "ioca",  "fax-append", "fax",  "stamp"};
 
 constexpr const char *kShortHelp = R"(Usage: vellum COMMAND [options] FILE...
 
@@ -25,6 +25,8 @@ Commands:
   merge       put the pages of many TIFF files into one
   ioca        wrap bilevel pages as IOCA images, and unwrap them
   fax-append  add the code of a fax page to the end of a file
+  fax         draw a text file on the pages of a fax
+  stamp       print some lines of text on a page
 
 'vellum COMMAND --help' tells more about a command.
 )";

@@ -1,5 +1,5 @@
 // LoadTiffFileIntoClipboard: what lies on the clipboard afterwards, and its results.
-#include "display/bitmap_pixels.h"
+#include "support/bitmap_pixels.h"
 #include "support/gdi_calls.h"
 #include "support/jpeg_tiff.h"
 

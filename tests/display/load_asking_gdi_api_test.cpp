@@ -1,6 +1,6 @@
 // The three loaders with the information dialog in front: Load, Cancel, a dialog that cannot be shown.
-#include "display/bitmap_pixels.h"
 #include "display/info_dialog_calls.h"
+#include "support/bitmap_pixels.h"
 #include "support/faults.h"
 #include "support/gdi_calls.h"
 

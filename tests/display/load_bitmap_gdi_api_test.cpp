@@ -1,5 +1,5 @@
 // Loading into a bitmap for the screen: its pixels, which errors leave one, and that nothing of GDI is left behind.
-#include "display/bitmap_pixels.h"
+#include "support/bitmap_pixels.h"
 #include "support/faults.h"
 #include "support/gdi_calls.h"
 #include "support/jpeg_tiff.h"

@@ -1,8 +1,8 @@
 // What is beside the picture: the background of the window's class, the context's own clipping, and the window's need
 // to be painted; also when the picture ends early.
-#include "display/screen_painting.h"
 #include "support/faults.h"
 #include "support/jpeg_tiff.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Painting leaves nothing behind: objects, contexts, selections, blocks, files and the cursor are given back on every
 // way out, whichever call fails.
-#include "display/screen_painting.h"
 #include "support/faults.h"
 #include "support/gdi_calls.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

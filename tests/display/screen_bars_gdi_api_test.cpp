@@ -1,6 +1,6 @@
 // The scroll bars of the window that is painted on: when they are there, where they stand, and what they say about the
 // part that is shown.
-#include "display/screen_painting.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

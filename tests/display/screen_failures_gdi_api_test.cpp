@@ -1,7 +1,7 @@
 // What cannot be painted: the result and the error of each case, and a window that nobody has touched; and which files
 // DecompressToScreen takes for what.
-#include "display/screen_painting.h"
 #include "support/faults.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

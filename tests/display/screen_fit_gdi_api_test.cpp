@@ -1,5 +1,5 @@
 // Fitted pictures: the whole of them, with square pixels, as large as the room lets them; no scroll bars.
-#include "display/screen_painting.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

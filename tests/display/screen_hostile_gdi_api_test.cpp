@@ -1,7 +1,7 @@
 // Small files that promise huge pictures, sizes of nothing, and resolutions and ratios beyond reason: painted or
 // refused, at once and in little memory.
-#include "display/screen_painting.h"
 #include "hostile/orderly.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 #include <psapi.h>

@@ -1,7 +1,7 @@
 // The painter's twelve line functions in the hands of a program, and paintings that begin while another one is going
 // on.
-#include "display/screen_painting.h"
 #include "support/gdi_calls.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

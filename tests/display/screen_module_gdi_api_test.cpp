@@ -1,8 +1,8 @@
 // Pictures whose lines come from the companion module, which may deliver them in any order, leave some out, repeat
 // some, or name rows that the picture does not have.
-#include "display/screen_painting.h"
 #include "support/faults.h"
 #include "support/jpeg_tiff.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // A pixel for a pixel: every depth, rotation and width, upright and inverted, on windows and in memory, and every part
 // of pictures that are larger than the window.
-#include "display/screen_painting.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Pictures by their resolution, up and down, square and with a fax's 204 x 98 dots per inch, with ratios and scrolled.
-#include "display/screen_painting.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The library knows of a picture on the screen only while it is being painted.
 #include "core/library_state.h"
-#include "display/screen_painting.h"
 #include "support/gdi_calls.h"
+#include "support/screen_painting.h"
 
 #include <gtest/gtest.h>
 

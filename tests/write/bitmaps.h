@@ -1,7 +1,7 @@
 // Windows: bitmaps to save, and what a TIFF of one must hold.
 #pragma once
 
-#include "display/bitmap_pixels.h"
+#include "support/bitmap_pixels.h"
 
 #include <windows.h>
 

@@ -1,8 +1,8 @@
 // Windows: one painting with what must be true after every one.
 #pragma once
 
-#include "display/screen_model.h"
 #include "support/decode_lines.h"
+#include "support/screen_model.h"
 
 #include <string>
 
@@ -44,11 +44,22 @@ inline std::vector<DWORD> fourTurns(DWORD flags = 0) {
             flags | VELLUM_ROTATE_180 | VELLUM_SHOW_INVERTED, flags | VELLUM_ROTATE_270};
 }
 
+// A kind of file, and the function that paints it.
+struct PaintedFormat {
+    Bytes (*file)(const ScreenPicture &picture);
+    Outcome (*paint)(HWND window, HDC dc, const char *path, const Look &look);
+};
+inline constexpr PaintedFormat kTiffFormat = {
+    [](const ScreenPicture &picture) { return picture.tiff(); },
+    [](HWND window, HDC dc, const char *path, const Look &look) { return paint(window, dc, path, look); },
+};
+
 // A window that pictures are painted on, one after the other, with its own device context. Each time pixels, bars,
 // mapping and validation are compared.
 class Easel {
 public:
-    explicit Easel(SIZE window) : host(window.cx, window.cy), window_(window) {}
+    explicit Easel(SIZE window, const PaintedFormat &format = kTiffFormat)
+        : host(window.cx, window.cy), window_(window), format_(format) {}
 
     void expectPainted(const ScreenPicture &picture, const Look &look, const ScrollState &horizontal = {},
                        const ScrollState &vertical = {}) {
@@ -56,13 +67,13 @@ public:
     }
     void expectPainted(const ScreenPicture &picture, const std::vector<DWORD> &turns, const Ratios &ratios = {},
                        const ScrollState &horizontal = {}, const ScrollState &vertical = {}) {
-        const TempFile file(picture.tiff());
+        const TempFile file(format_.file(picture));
         for (const DWORD flags : turns) {
             const Look look{flags, ratios};
             SCOPED_TRACE(describe(picture, look));
             host.reset(horizontal, vertical);
             const ScreenModel model(picture, look, {window_, horizontal, vertical});
-            EXPECT_EQ(paint(host.window(), host.dc(), file.path(), look), kDecoded);
+            EXPECT_EQ(format_.paint(host.window(), host.dc(), file.path(), look), kDecoded);
             EXPECT_TRUE(hasBars(host, model));
             EXPECT_TRUE(keepsMapping(host.dc(), model));
             EXPECT_FALSE(host.needsPainting());
@@ -74,6 +85,7 @@ public:
 
 private:
     SIZE window_;
+    PaintedFormat format_;
 };
 
 } // namespace vellum::test

@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #ifndef VELLUM_NATIVE
-#include "display/screen_model.h"
+#include "support/screen_model.h"
 #include "vellum32.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 // memory bitmaps, and the pixels that they show.
 #pragma once
 
-#include "display/bitmap_pixels.h"
+#include "support/bitmap_pixels.h"
 
 #include <functional>
 #include <optional>

@@ -2,8 +2,8 @@
 // The model looks from the screen to the picture, one pixel at a time; the painter goes the other way.
 #pragma once
 
-#include "display/screen_host.h"
-#include "display/screen_picture.h"
+#include "support/screen_host.h"
+#include "support/screen_picture.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #ifndef VELLUM_NATIVE
-#include "display/screen_host.h"
+#include "support/screen_host.h"
 
 #include <string>
 

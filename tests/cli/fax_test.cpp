@@ -1,0 +1,250 @@
+// vellum fax: a text file as the pages of a fax, on paper and on a form.
+#include "cli/page_pixels.h"
+#include "cli/tiff_look.h"
+#include "cli/vellum_process.h"
+
+#include <gtest/gtest.h>
+
+namespace vellum::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+Bytes textOf(const std::string &text) {
+    return {text.begin(), text.end()};
+}
+
+std::vector<SeenPage> seenPages(const WorkFolder &folder, const std::string &name) {
+    return TiffLook(folder.get(name)).pages();
+}
+
+std::vector<std::uint32_t> values(const SeenPage &page, unsigned tag) {
+    return page.tag(tag).numbers;
+}
+using Values = std::vector<std::uint32_t>;
+
+std::string manyLines(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += "line " + std::to_string(i) + "\r\n";
+    }
+    return text;
+}
+
+TEST(Fax, ATextBecomesAPageOfGroup4InFaxResolution) {
+    const WorkFolder folder;
+    folder.put("letter.txt", textOf("Dear colleague,\r\n\r\nall is well."));
+    const Outcome outcome = folder.run({"fax", "letter.txt", "out.tif"});
+    EXPECT_EQ(outcome.out, "out.tif: page 1: 1687 x 2291, 1 bit, g4\n");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+    const auto pages = seenPages(folder, "out.tif");
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(values(pages[0], 256), Values{1687});
+    EXPECT_EQ(values(pages[0], 257), Values{2291});
+    EXPECT_EQ(values(pages[0], 259), Values{4});
+    EXPECT_EQ(values(pages[0], 262), Values{0}) << "white is zero, as fax readers expect it";
+    EXPECT_EQ(values(pages[0], 282), (Values{204, 1}));
+    EXPECT_EQ(values(pages[0], 283), (Values{196, 1}));
+    EXPECT_EQ(values(pages[0], 296), Values{2});
+    EXPECT_EQ(folder.files(), (Names{"letter.txt", "out.tif"}));
+}
+
+TEST(Fax, ItsPixelsAreBlackTextOnWhitePaper) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("text"));
+    EXPECT_EQ(folder.run({"fax", "a.txt", "a.tif", "--dpi", "100", "--margin", "10x50"}).err, "");
+    const PagePixels page = pagePixels(folder, "a.tif");
+    const std::vector<DWORD> &pixels = page.values;
+    const auto width = static_cast<std::size_t>(page.width);
+    ASSERT_EQ(width, 827U);
+    std::size_t black = 0;
+    std::size_t atTheCorner = 0;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        const bool isBlack = pixels[i] == 0;
+        black += isBlack ? 1 : 0;
+        // 10 mm are 39 pixels, 50 mm 197.
+        atTheCorner += isBlack && i % width >= 37 && i % width < 100 && i / width >= 197 && i / width < 220 ? 1 : 0;
+    }
+    EXPECT_GT(black, 20U);
+    EXPECT_EQ(black, atTheCorner);
+    EXPECT_LT(black, 1000U);
+}
+
+TEST(Fax, PaperResolutionAndCompressionCanBeChosen) {
+    struct Case {
+        Names options;
+        Values size;
+        std::uint32_t compression;
+        const char *line;
+    };
+    const Case cases[] = {
+        {{"--paper", "letter", "--dpi", "200x100", "--compression", "g3"},
+         {1700, 1100},
+         3,
+         "out.tif: page 1: 1700 x 1100, 1 bit, g3\n"},
+        {{"--paper", "legal", "--dpi", "100", "--compression", "g3-2d"},
+         {850, 1400},
+         3,
+         "out.tif: page 1: 850 x 1400, 1 bit, g3-2d\n"},
+        {{"--paper=a4", "--dpi=200x200", "--compression=mh"},
+         {1654, 2338},
+         2,
+         "out.tif: page 1: 1654 x 2338, 1 bit, mh\n"},
+        {{"--dpi=300", "--compression=lzw"}, {2481, 3507}, 5, "out.tif: page 1: 2481 x 3507, 1 bit, lzw\n"},
+    };
+    for (const Case &entry : cases) {
+        const WorkFolder folder;
+        folder.put("a.txt", textOf("text"));
+        Names words = {"fax", "a.txt", "out.tif"};
+        words.insert(words.end(), entry.options.begin(), entry.options.end());
+        const Outcome outcome = folder.run(words);
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(outcome.out, entry.line);
+        const auto pages = seenPages(folder, "out.tif");
+        ASSERT_EQ(pages.size(), 1U);
+        EXPECT_EQ(values(pages[0], 256), Values{entry.size[0]});
+        EXPECT_EQ(values(pages[0], 257), Values{entry.size[1]});
+        EXPECT_EQ(values(pages[0], 259), Values{entry.compression});
+    }
+}
+
+TEST(Fax, ALongTextHasSeveralPagesAndALimit) {
+    const WorkFolder folder;
+    folder.put("long.txt", textOf(manyLines(200)));
+    const Outcome all = folder.run({"fax", "long.txt", "all.tif", "--dpi", "100"});
+    EXPECT_EQ(all.err, "");
+    EXPECT_EQ(all.status, 0U);
+    const std::size_t count = seenPages(folder, "all.tif").size();
+    EXPECT_GT(count, 2U);
+    const Outcome two = folder.run({"fax", "long.txt", "two.tif", "--dpi", "100", "--pages", "2"});
+    EXPECT_EQ(two.out, "two.tif: page 1: 827 x 1169, 1 bit, g4\ntwo.tif: page 2: 827 x 1169, 1 bit, g4\n");
+    EXPECT_EQ(two.err, "vellum: long.txt: the text goes on behind page 2; --pages allows more.\n");
+    EXPECT_EQ(two.status, 1U);
+    EXPECT_EQ(seenPages(folder, "two.tif").size(), 2U);
+}
+
+TEST(Fax, LinesMayEndInAnyWay) {
+    const WorkFolder folder;
+    folder.put("dos.txt", textOf("one\r\ntwo\r\n\r\nfour"));
+    folder.put("unix.txt", textOf("one\ntwo\n\nfour"));
+    folder.put("old.txt", textOf("one\rtwo\r\rfour"));
+    folder.put("joined.txt", textOf("onetwofour"));
+    for (const char *name : {"dos", "unix", "old", "joined"}) {
+        EXPECT_EQ(folder.run({"fax", std::string(name) + ".txt", std::string(name) + ".tif"}).err, "");
+    }
+    EXPECT_TRUE(folder.get("unix.tif") == folder.get("dos.tif"));
+    EXPECT_TRUE(folder.get("old.tif") == folder.get("dos.tif"));
+    EXPECT_FALSE(folder.get("joined.tif") == folder.get("dos.tif"));
+}
+
+TEST(Fax, EveryOptionOfTheTextCounts) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("Some\ttext, with\r\nlines."));
+    EXPECT_EQ(folder.run({"fax", "a.txt", "plain.tif"}).err, "");
+    for (const Names &options : {Names{"--size", "14"}, Names{"--bold"}, Names{"--italic"}, Names{"--spacing", "5"},
+                                 Names{"--tabs", "30,60"}, Names{"--margin", "30"}}) {
+        Names words = {"fax", "a.txt", "out.tif"};
+        words.insert(words.end(), options.begin(), options.end());
+        EXPECT_EQ(folder.run(words).err, "") << options[0];
+        EXPECT_FALSE(folder.get("out.tif") == folder.get("plain.tif")) << options[0];
+    }
+}
+
+// Which fonts there are depends on the system; not all of them can look alike.
+TEST(Fax, TheFontCounts) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("WiWiWi"));
+    EXPECT_EQ(folder.run({"fax", "a.txt", "plain.tif"}).err, "");
+    bool differs = false;
+    for (const char *font : {"Arial", "Times New Roman", "Tahoma", "Liberation Mono", "Marlett", "System", "Symbol"}) {
+        EXPECT_EQ(folder.run({"fax", "a.txt", "out.tif", "--font", font}).err, "");
+        differs = differs || folder.get("out.tif") != folder.get("plain.tif");
+    }
+    EXPECT_TRUE(differs);
+}
+
+TEST(Fax, OnAFormTheFormIsThePage) {
+    const WorkFolder folder;
+    folder.put("form.tif", bundled("fax.tif"));
+    folder.put("color.tif", bundled("buoy.tif"));
+    folder.put("a.txt", textOf(manyLines(300)));
+    const Outcome outcome = folder.run({"fax", "a.txt", "out.tif", "--form", "form.tif"});
+    EXPECT_EQ(outcome.out, "out.tif: page 1: 1728 x 2287, 1 bit, g4\n");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+    const auto pages = seenPages(folder, "out.tif");
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(values(pages[0], 282), (Values{204, 1}));
+    EXPECT_EQ(values(pages[0], 283), (Values{196, 1}));
+    const std::vector<DWORD> form = pagePixels(folder, "form.tif").values;
+    const std::vector<DWORD> printed = pagePixels(folder, "out.tif").values;
+    ASSERT_EQ(printed.size(), form.size());
+    std::size_t added = 0;
+    for (std::size_t i = 0; i < form.size(); ++i) {
+        EXPECT_TRUE(printed[i] == form[i] || printed[i] == 0);
+        added += printed[i] == form[i] ? 0 : 1;
+    }
+    EXPECT_GT(added, 1000U);
+    EXPECT_EQ(folder.run({"fax", "a.txt", "out.tif", "--form", "color.tif", "--margin", "5"}).out,
+              "out.tif: page 1: 240 x 160, 24 bits, lzw\n");
+    const Outcome wrong = folder.run({"fax", "a.txt", "none.tif", "--form", "color.tif", "--compression", "g4"});
+    EXPECT_EQ(wrong.err, "vellum: none.tif: g4 codes 1 bit per pixel; the page has 24 bits per pixel.\n");
+    EXPECT_EQ(wrong.status, 1U);
+    EXPECT_EQ(folder.files(), (Names{"a.txt", "color.tif", "form.tif", "out.tif"}));
+}
+
+TEST(Fax, WhatCannotBeReadOrWrittenIsReported) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("text"));
+    const Outcome missing = folder.run({"fax", "none.txt", "out.tif"});
+    EXPECT_EQ(missing.err, "vellum: none.txt: there is no such file.\n");
+    EXPECT_EQ(missing.status, 1U);
+    EXPECT_EQ(folder.run({"fax", "a.txt", "no folder\\out.tif"}).err,
+              "vellum: no folder\\out.tif: cannot be written: there is no such folder.\n");
+    EXPECT_EQ(folder.run({"fax", "a.txt", "out.tif", "--form", "none.tif"}).err,
+              "vellum: none.tif: General I/O error in reading or writting. (no such file)\n");
+    EXPECT_EQ(folder.run({"fax", "a.txt", "out.tif", "--form", "a.txt"}).status, 1U);
+    EXPECT_EQ(folder.files(), Names{"a.txt"});
+}
+
+TEST(Fax, WrongUsageIsExplained) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("text"));
+    struct Case {
+        Names words;
+        const char *message;
+    };
+    const Case cases[] = {
+        {{"a.txt"}, "a text file and an output file are needed"},
+        {{"a.txt", "a.txt"}, "the output would replace the input"},
+        {{"a.txt", "b.tif", "--form", "b.tif"}, "the output would replace the input"},
+        {{"a.txt", "b.tif", "--paper", "a5"}, "option '--paper' wants a4, letter or legal, not 'a5'"},
+        {{"a.txt", "b.tif", "--dpi", "200x"},
+         "option '--dpi' wants dots per inch up to 1200, as 200 or 204x196, not ''"},
+        {{"a.txt", "b.tif", "--dpi", "1x2x3"},
+         "option '--dpi' wants dots per inch up to 1200, as 200 or 204x196, not '1x2x3'"},
+        {{"a.txt", "b.tif", "--dpi", "0"}, "option '--dpi' wants dots per inch up to 1200, as 200 or 204x196, not '0'"},
+        {{"a.txt", "b.tif", "--margin", "x"}, "option '--margin' wants millimetres, as 20 or 15x20, not ''"},
+        {{"a.txt", "b.tif", "--size", "0"}, "option '--size' wants a number of points, not '0'"},
+        {{"a.txt", "b.tif", "--tabs", "1,2,"}, "option '--tabs' wants millimetres, with commas between them, not ''"},
+        {{"a.txt", "b.tif", "--tabs", "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17"},
+         "option '--tabs' wants up to 16 numbers"},
+        {{"a.txt", "b.tif", "--pages", "1001"}, "option '--pages' wants a number of pages from 1 to 1000, not '1001'"},
+        {{"a.txt", "b.tif", "--compression", "jpeg"},
+         "option '--compression' wants one of g4, g3, g3-2d, mh, lzw, packbits, none, not 'jpeg'"},
+        {{"a.txt", "b.tif", "--form", "f.tif", "--dpi", "200"},
+         "'--form' does not go with '--paper', '--dpi' and '--pages': the form is the page"},
+    };
+    for (const Case &entry : cases) {
+        Names words = {"fax"};
+        words.insert(words.end(), entry.words.begin(), entry.words.end());
+        const Outcome outcome = folder.run(words);
+        EXPECT_EQ(outcome.err, std::string("vellum fax: ") + entry.message + "\nTry 'vellum fax --help'.\n");
+        EXPECT_EQ(outcome.status, 2U);
+    }
+    EXPECT_EQ(folder.files(), Names{"a.txt"});
+}
+
+} // namespace
+} // namespace vellum::test

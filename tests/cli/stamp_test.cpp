@@ -1,0 +1,114 @@
+// vellum stamp: some lines of text on a page.
+#include "cli/page_pixels.h"
+#include "cli/tiff_look.h"
+#include "cli/vellum_process.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace vellum::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// Where two pictures differ.
+RECT difference(const PagePixels &a, const PagePixels &b) {
+    RECT box = {a.width, 0x7FFFFFFF, -1, -1};
+    for (std::size_t i = 0; i < a.values.size() && i < b.values.size(); ++i) {
+        if (a.values[i] != b.values[i]) {
+            const LONG x = static_cast<LONG>(i) % a.width;
+            const LONG y = static_cast<LONG>(i) / a.width;
+            box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x), std::max(box.bottom, y)};
+        }
+    }
+    return box;
+}
+
+TEST(Stamp, PrintsOnAPageAndLeavesTheRestAsItIs) {
+    const WorkFolder folder;
+    folder.put("fax.tif", bundled("fax.tif"));
+    const Outcome outcome =
+        folder.run({"stamp", "fax.tif:2", "out.tif", "--text", "RECEIVED\\n14 May", "--at", "100,250", "--size", "16"});
+    EXPECT_EQ(outcome.out, "out.tif: page 1: 1728 x 2287, 1 bit, g4\n");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+    const auto pages = TiffLook(folder.get("out.tif")).pages();
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(pages[0].tag(282).numbers, (std::vector<std::uint32_t>{204, 1}));
+    EXPECT_EQ(pages[0].tag(283).numbers, (std::vector<std::uint32_t>{196, 1}));
+    const PagePixels before = pagePixels(folder, "fax.tif", 2);
+    const PagePixels after = pagePixels(folder, "out.tif");
+    ASSERT_EQ(before.values.size(), after.values.size());
+    const RECT box = difference(before, after);
+    // 100 mm are 803 pixels, 250 mm 1929.
+    EXPECT_NEAR(box.left, 803, 12);
+    EXPECT_GE(box.top, 1925);
+    EXPECT_LT(box.top, 1960);
+    EXPECT_GT(box.bottom, box.top + 50) << "two lines";
+    EXPECT_TRUE(folder.get("fax.tif") == bundled("fax.tif"));
+    EXPECT_EQ(folder.files(), (Names{"fax.tif", "out.tif"}));
+}
+
+TEST(Stamp, APictureCoarserThanTheScreenGetsTheWholeText) {
+    const WorkFolder folder;
+    folder.put("buoy.tif", bundled("buoy.tif"));
+    const Outcome outcome = folder.run({"stamp", "buoy.tif", "out.tif", "--text", "HHH", "--at", "10,10"});
+    EXPECT_EQ(outcome.out, "out.tif: page 1: 240 x 160, 24 bits, lzw\n");
+    EXPECT_EQ(outcome.err, "");
+    const RECT box = difference(pagePixels(folder, "buoy.tif"), pagePixels(folder, "out.tif"));
+    // 10 mm at 72 dots per inch are 28 pixels; 12 points are 12.
+    EXPECT_NEAR(box.left, 29, 3);
+    EXPECT_NEAR(box.top, 31, 4);
+    EXPECT_GT(box.bottom - box.top, 5);
+    EXPECT_EQ(TiffLook(folder.get("out.tif")).pages().at(0).tag(282).numbers, (std::vector<std::uint32_t>{72, 1}));
+}
+
+TEST(Stamp, OutsideThePageItChangesNothing) {
+    const WorkFolder folder;
+    folder.put("fax.tif", bundled("fax.tif"));
+    EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--at", "1000,10"}).err, "");
+    EXPECT_TRUE(pagePixels(folder, "out.tif").values == pagePixels(folder, "fax.tif").values);
+}
+
+TEST(Stamp, WhatCannotBeReadOrCodedIsReported) {
+    const WorkFolder folder;
+    folder.put("buoy.tif", bundled("buoy.tif"));
+    folder.put("x.tif", {'x'});
+    EXPECT_EQ(folder.run({"stamp", "none.tif", "out.tif", "--text", "x"}).err,
+              "vellum: none.tif: General I/O error in reading or writting. (no such file)\n");
+    EXPECT_EQ(folder.run({"stamp", "x.tif", "out.tif", "--text", "x"}).err, "vellum: x.tif: Invalid byte order.\n");
+    EXPECT_EQ(folder.run({"stamp", "buoy.tif:2", "out.tif", "--text", "x"}).status, 1U);
+    const Outcome coding = folder.run({"stamp", "buoy.tif", "out.tif", "--text", "x", "--compression", "g3"});
+    EXPECT_EQ(coding.err, "vellum: out.tif: g3 codes 1 bit per pixel; the page has 24 bits per pixel.\n");
+    EXPECT_EQ(coding.status, 1U);
+    EXPECT_EQ(folder.files(), (Names{"buoy.tif", "x.tif"}));
+}
+
+TEST(Stamp, WrongUsageIsExplained) {
+    const WorkFolder folder;
+    struct Case {
+        Names words;
+        const char *message;
+    };
+    const Case cases[] = {
+        {{"a.tif", "b.tif"}, "option '--text' is needed"},
+        {{"a.tif", "--text", "x"}, "one input file and one output file are needed"},
+        {{"a.tif", "a.tif", "--text", "x"}, "the output would replace the input"},
+        {{"a.tif", "b.tif", "--text", "x", "--at", "10"},
+         "option '--at' wants two numbers of millimetres, as 10,10, not '10'"},
+        {{"a.tif", "b.tif", "--text", "x", "--at", "10,-1"},
+         "option '--at' wants two numbers of millimetres, as 10,10, not '-1'"},
+        {{"a.tif", "b.tif", "--text", "x", "--size", "big"}, "option '--size' wants a number of points, not 'big'"},
+    };
+    for (const Case &entry : cases) {
+        Names words = {"stamp"};
+        words.insert(words.end(), entry.words.begin(), entry.words.end());
+        const Outcome outcome = folder.run(words);
+        EXPECT_EQ(outcome.err, std::string("vellum stamp: ") + entry.message + "\nTry 'vellum stamp --help'.\n");
+        EXPECT_EQ(outcome.status, 2U);
+    }
+}
+
+} // namespace
+} // namespace vellum::test

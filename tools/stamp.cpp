@@ -1,0 +1,168 @@
+// vellum stamp: some lines of text on a page.
+#include "tools/arguments.h"
+#include "tools/command.h"
+#include "tools/console.h"
+#include "tools/dib_output.h"
+#include "tools/lengths.h"
+#include "tools/page_selection.h"
+#include "vellum32.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace tool {
+
+namespace {
+
+constexpr std::string_view kHelp = R"(vellum stamp - print some lines of text on a page
+
+Usage: vellum stamp [options] IN.tif[:PAGE] OUT.tif
+
+Prints a text on a page (the first, or PAGE) and writes the result as a TIFF of
+one page, in the page's own colours and resolution. OUT.tif appears under its
+name only when it is whole; an existing file is then replaced.
+
+Options:
+      --text TEXT         what to print; \n begins a new line. Needed
+      --at X,Y            where, in millimetres from the upper left corner.
+                          Default: 10,10
+      --font NAME         Default: Arial
+      --size N            of the font, in points. Default: 12
+      --compression NAME  g4 (default), g3, g3-2d, mh, lzw, packbits or none;
+                          for other pages than black and white ones lzw
+                          (default), packbits or none
+  -h, --help              show this help
+
+Exit status: 0 the page was written, 1 it was not, 2 wrong usage.
+)";
+
+using enum Option::Kind;
+constexpr std::array kOptions = {
+    Option{"--text", Value}, Option{"--at", Value},          Option{"--font", Value},
+    Option{"--size", Value}, Option{"--compression", Value},
+};
+
+struct StampRequest {
+    std::string text;
+    long x = 0; // millimetres
+    long y = 0;
+    std::string font;
+    DWORD points = 0;
+    std::optional<std::string> compression;
+};
+
+// The two characters \n as a line end.
+std::string linesOf(const std::string &text) {
+    std::string lines;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text.compare(i, 2, "\\n") == 0) {
+            lines += "\r\n";
+            ++i;
+        } else {
+            lines += text[i];
+        }
+    }
+    return lines;
+}
+
+constexpr double kMillimetresPerInch = 25.4;
+
+POINT screenDotsPerInch() {
+    const HDC screen = GetDC(nullptr);
+    const POINT dots = {GetDeviceCaps(screen, LOGPIXELSX), GetDeviceCaps(screen, LOGPIXELSY)};
+    ReleaseDC(nullptr, screen);
+    return dots;
+}
+
+// The text on the DIB. The library counts in pixels of the screen and scales. In a picture coarser than the screen it
+// would cut the text's beginning off, so there it is given pixels and a size of the picture, without a resolution.
+OwnedDib printOn(const OwnedDib &dib, POINT dotsPerInch, const StampRequest &request) {
+    const POINT screen = screenDotsPerInch();
+    const bool coarse =
+        dotsPerInch.x > 0 && dotsPerInch.y > 0 && (dotsPerInch.x < screen.x || dotsPerInch.y < screen.y);
+    if (coarse) {
+        dib.setDotsPerInch({});
+    }
+    const POINT unit = coarse ? dotsPerInch : screen;
+    const DWORD points =
+        coarse ? static_cast<DWORD>(MulDiv(static_cast<int>(request.points), unit.y, screen.y)) : request.points;
+    return OwnedDib(DIBTextOverlay(dib.get(), std::lround(request.x * unit.x / kMillimetresPerInch),
+                                   std::lround(request.y * unit.y / kMillimetresPerInch), request.text.c_str(),
+                                   request.font.c_str(), std::max<DWORD>(points, 1)));
+}
+
+StampRequest parse(const Arguments &arguments) {
+    constexpr long kMostMillimetres = 10000;
+    constexpr const char *kPlace = "two numbers of millimetres, as 10,10";
+    StampRequest request;
+    const auto text = arguments.value("--text");
+    if (!text) {
+        throw UsageError("option '--text' is needed");
+    }
+    request.text = linesOf(*text);
+    const std::string place = arguments.value("--at").value_or("10,10");
+    const std::vector<std::string> parts = splitAt(place, ',');
+    if (parts.size() != 2) {
+        throw UsageError("option '--at' wants " + std::string(kPlace) + ", not '" + place + "'");
+    }
+    request.x = parseNumber("--at", parts[0], 0, kMostMillimetres, kPlace);
+    request.y = parseNumber("--at", parts[1], 0, kMostMillimetres, kPlace);
+    request.font = arguments.value("--font").value_or("Arial");
+    request.points = static_cast<DWORD>(
+        parseNumber("--size", arguments.value("--size").value_or("12"), 1, 1000, "a number of points"));
+    request.compression = arguments.value("--compression");
+    dibCoding(request.compression, 1);
+    return request;
+}
+
+Status complain(const std::string &label, const std::string &reason) {
+    Console::get().complain(label + ": " + reason);
+    return Status::Failed;
+}
+
+Status stamp(const SelectedPages &pages, const StampRequest &request, const FileName &output) {
+    const DWORD index = pages.indices.front();
+    if (const RegisteredPage page(pages.document, index); page && page.isDelegatedJpeg() && !jpegModuleAvailable()) {
+        return complain(pages.label(index), kNoJpegModule);
+    }
+    SetTiffError(VELLUM_OK);
+    const OwnedDib dib(LoadTiffIntoDIB(pages.document.name().forLibrary().c_str(), index, 0));
+    if (!dib || TiffError() != VELLUM_OK) {
+        return complain(pages.label(index), libraryMessage(TiffError()));
+    }
+    const POINT dotsPerInch = dib.dotsPerInch();
+    const OwnedDib stamped = printOn(dib, dotsPerInch, request);
+    if (!stamped) {
+        return complain(pages.label(index), libraryMessage(VELLUM_NO_MEMORY));
+    }
+    DibOutput tiff(output);
+    if (!tiff.add(stamped, dibCoding(request.compression, stamped.header().biBitCount), dotsPerInch) ||
+        !tiff.commit()) {
+        return complain(output.shown(), tiff.failure());
+    }
+    Console::get().print(tiff.report());
+    return Status::Ok;
+}
+
+Status run(const std::vector<std::string> &words) {
+    const Arguments arguments(words, kOptions);
+    const auto &operands = arguments.operands();
+    if (operands.size() != 2) {
+        throw UsageError("one input file and one output file are needed");
+    }
+    const StampRequest request = parse(arguments);
+    const PageSelection input = PageSelection::onePage(operands[0]);
+    const FileName output(operands[1]);
+    if (output.sameAs(input.file())) {
+        throw UsageError("the output would replace the input");
+    }
+    const auto pages = openPages(input);
+    return pages == nullptr ? Status::Failed : stamp(*pages, request, output);
+}
+
+} // namespace
+
+constinit const Command stampCommand = {"stamp", "print some lines of text on a page", kHelp, run};
+
+} // namespace tool
