@@ -2,8 +2,8 @@
 #pragma once
 
 #include "annot/notes.h"
-#include "display/bitmap_pixels.h"
-#include "display/screen_host.h"
+#include "support/bitmap_pixels.h"
+#include "support/screen_host.h"
 
 #include <vector>
 
