@@ -49,8 +49,13 @@ NoteScale fittingScale(const DibView &dib, const NoteScale &resolution, const Ex
     return {resolution.x * factor, resolution.y * factor};
 }
 
-Span wholeSpan(LONG length) {
-    return {0, length};
+NoteScale resolutionOf(const BITMAPINFOHEADER &header, HDC dc) {
+    return {scaleFactor(GetDeviceCaps(dc, LOGPIXELSX), header.biXPelsPerMeter * kMetersPerInch, 0, 0),
+            scaleFactor(GetDeviceCaps(dc, LOGPIXELSY), header.biYPelsPerMeter * kMetersPerInch, 0, 0)};
+}
+
+Extent targetOf(const BITMAPINFOHEADER &header, const NoteScale &scale) {
+    return {targetLength(header.biWidth, scale.x), targetLength(header.biHeight, scale.y)};
 }
 
 // A length on the screen that no client area cuts.
@@ -58,37 +63,44 @@ LONG lengthOnScreen(LONG canvas, LONG target, const Span &shown) {
     return Projection{canvas, target, shown, kLargestTarget}.length();
 }
 
+void show(Placement &placement, const BITMAPINFOHEADER &header, const Span &columns, const Span &rows) {
+    const Extent target = targetOf(header, placement.scale);
+    placement.part = {columns.first, rows.first, columns.length(), rows.length()};
+    placement.shown = {lengthOnScreen(header.biWidth, target.width, columns),
+                       lengthOnScreen(header.biHeight, target.height, rows)};
+}
+
+void placeFitted(Placement &placement, const DibView &dib, const Request &request) {
+    placement.client = hideScrollBars(request.window, nullptr);
+    placement.scale = fittingScale(dib, placement.resolution, placement.client);
+    show(placement, dib.header(), {0, dib.header().biWidth}, {0, dib.header().biHeight});
+}
+
+void placeScrolled(Placement &placement, const BITMAPINFOHEADER &header, const Request &request) {
+    placement.scale = placement.resolution;
+    if (request.zoom != nullptr) {
+        placement.scale = {zoomed(placement.scale.x, request.zoom), zoomed(placement.scale.y, request.zoom + 2)};
+    }
+    const Extent target = targetOf(header, placement.scale);
+    const ScrollStates scroll = scrollStates(request.window);
+    placement.client = arrangeScrollBars(request.window, nullptr, target);
+    show(placement, header, shownSpan(header.biWidth, target.width, placement.client.width, scroll.horizontal),
+         shownSpan(header.biHeight, target.height, placement.client.height, scroll.vertical));
+}
+
 Placement place(const DibView &dib, const Request &request) {
     Placement placement;
     const ScreenDc dc(request.window);
     if (!dib || !dc) {
-        placement.client = arrangeScrollBars(request.window, nullptr, {});
+        placement.client = hideScrollBars(request.window, nullptr);
         return placement;
     }
-    const BITMAPINFOHEADER &header = dib.header();
-    placement.resolution = {
-        scaleFactor(GetDeviceCaps(dc.get(), LOGPIXELSX), header.biXPelsPerMeter * kMetersPerInch, 0, 0),
-        scaleFactor(GetDeviceCaps(dc.get(), LOGPIXELSY), header.biYPelsPerMeter * kMetersPerInch, 0, 0)};
-    placement.scale = placement.resolution;
-    const ScrollStates scroll = scrollStates(request.window);
-    Extent target;
+    placement.resolution = resolutionOf(dib.header(), dc.get());
     if (request.fitted()) {
-        placement.client = hideScrollBars(request.window, nullptr);
-        placement.scale = fittingScale(dib, placement.resolution, placement.client);
-    } else if (request.zoom != nullptr) {
-        placement.scale = {zoomed(placement.scale.x, request.zoom), zoomed(placement.scale.y, request.zoom + 2)};
+        placeFitted(placement, dib, request);
+    } else {
+        placeScrolled(placement, dib.header(), request);
     }
-    target = {targetLength(header.biWidth, placement.scale.x), targetLength(header.biHeight, placement.scale.y)};
-    Span columns = wholeSpan(header.biWidth);
-    Span rows = wholeSpan(header.biHeight);
-    if (!request.fitted()) {
-        placement.client = arrangeScrollBars(request.window, nullptr, target);
-        columns = shownSpan(header.biWidth, target.width, placement.client.width, scroll.horizontal);
-        rows = shownSpan(header.biHeight, target.height, placement.client.height, scroll.vertical);
-    }
-    placement.part = {columns.first, rows.first, columns.length(), rows.length()};
-    placement.shown = {lengthOnScreen(header.biWidth, target.width, columns),
-                       lengthOnScreen(header.biHeight, target.height, rows)};
     return placement;
 }
 
