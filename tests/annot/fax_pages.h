@@ -2,7 +2,7 @@
 // line again at every character and draws every line in one piece.
 #pragma once
 
-#include "display/bitmap_pixels.h"
+#include "support/bitmap_pixels.h"
 #include "support/paths.h"
 #include "vellum32.h"
 
