@@ -21,7 +21,7 @@ struct DrawnText {
     std::string text;
     bool operator==(const DrawnText &) const = default;
 };
-using Drawing = std::vector<DrawnText>;
+using DrawnTexts = std::vector<DrawnText>;
 
 inline std::ostream &operator<<(std::ostream &out, const DrawnText &drawn) {
     return out << "page " << drawn.page << " (" << drawn.x << ", " << drawn.y << ") \"" << drawn.text << '"';
@@ -39,7 +39,7 @@ public:
     }
     bool turnPage() override { return ++page < most_; }
 
-    Drawing drawing;
+    DrawnTexts drawing;
     std::size_t page = 0; // the page being drawn on
 
 private:
@@ -76,8 +76,8 @@ inline FaxTextEnd layOut(std::string_view text, FaxCanvas &pages, const FaxFrame
     return layOutFaxText(stream.get(), frame, font, pages);
 }
 
-inline Drawing laidOut(std::string_view text, const FaxFrame &frame = smallFrame(),
-                       const FontMeasures &font = plainFont()) {
+inline DrawnTexts laidOut(std::string_view text, const FaxFrame &frame = smallFrame(),
+                          const FontMeasures &font = plainFont()) {
     NotedPages pages;
     layOut(text, pages, frame, font);
     return pages.drawing;
