@@ -238,8 +238,8 @@ void expectSteadyBars(Host &host, const SIZE &picture, const char *path) {
         SCOPED_TRACE(shown ? "with bars at first" : "without bars at first");
         host.reset({0, 100, 0, shown}, {0, 100, 0, shown});
         const Arrangement first = arrangedBy(host, path);
-        EXPECT_TRUE(first.bars.horizontal || picture.cx <= first.client.cx) << "the client area is " << first.client.cx;
-        EXPECT_TRUE(first.bars.vertical || picture.cy <= first.client.cy) << "the client area is " << first.client.cy;
+        EXPECT_EQ(first.bars, (Bars{picture.cx > first.client.cx, picture.cy > first.client.cy}))
+            << "the client area is " << first.client.cx << " x " << first.client.cy;
         EXPECT_EQ(arrangedBy(host, path), first) << "the second painting";
     }
 }
