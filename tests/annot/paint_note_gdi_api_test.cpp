@@ -189,4 +189,13 @@ TEST(PaintNote, LeavesTheDeviceContextAsItWas) {
     EXPECT_TRUE(sheet.pixels() == plain({0, 0, 300, 100}, {"Hello"}, true));
 }
 
+TEST(PaintNote, WhenTheDeviceContextCannotBeBroughtBackDrawsNothing) {
+    OwnedNote note("Hello");
+    placed(note, 0, 0, 300, 100).record.opaque = 1;
+    const GdiCalls calls(GdiCalls::Fail::SaveDc);
+    const Drawn drawn = draw(&note.record);
+    EXPECT_EQ(drawn.result, 0);
+    EXPECT_TRUE(drawn.pixels == blank());
+}
+
 } // namespace
