@@ -44,13 +44,8 @@ struct CcittBitmapInfo {
 // display/screen_band.h
 class ScreenBand;
 
-// What the dialog for the texts of a CALS header works on.
-constexpr int kCalsEditTexts = 7;
-struct CalsEditState {
-    const char *path = nullptr;
-    char *header = nullptr;             // the first of 16 records, locked by the caller
-    char *records[kCalsEditTexts] = {}; // those of them that hold texts, in the order of CalsNotes
-};
+// cals/edit_dialog.cpp
+struct CalsEdit;
 
 struct LibraryState {
     // core/error.cpp: written by every call that fails.
@@ -95,8 +90,8 @@ struct LibraryState {
     // none of it is to be seen.
     ScreenBand *screen = nullptr;
 
-    // cals/edit_dialog.cpp: valid while EditCALSHead runs; else all null.
-    CalsEditState calsEdit;
+    // cals/edit_dialog.cpp: the edit whose dialog opens next; null but for the length of EditCALSHead.
+    CalsEdit *calsEdit = nullptr;
 
     // codec/decode_tiff.cpp: 1 while a decode that starts behind the first strip runs, and after any decode.
     DWORD partialDecode = 0;

@@ -114,7 +114,7 @@ void finishWindow(HWND window, HDC dc, const Extent &client, const Extent &pictu
         if (!picture.empty()) {
             ExcludeClipRect(dc, 0, 0, picture.width, picture.height);
         }
-        SelectObject(dc, brush);
+        const SelectedObject selected(dc, brush);
         PatBlt(dc, 0, 0, client.width, client.height, PATCOPY);
     }
     ValidateRect(window, nullptr);
