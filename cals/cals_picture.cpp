@@ -56,9 +56,19 @@ std::optional<DWORD> calsCodeBytes(const char *path) {
     return size > VELLUM_CALS_HEADER ? static_cast<DWORD>(size) - VELLUM_CALS_HEADER : 0;
 }
 
+bool CalsPicture::isWiderThanDrawings() const {
+    return width > 65536;
+}
+
+// A drawing of 44 x 34 inches at 400 dots per inch has 30 MB.
+bool CalsPicture::needsProof() const {
+    constexpr DWORD kLargestDrawing = 64u << 20;
+    const auto bytes = imageBytes().fit();
+    return !bytes || *bytes > (isWiderThanDrawings() ? kNeedsNoProof : kLargestDrawing);
+}
+
 Error checkCalsWorth(const char *path, const CalsPicture &picture) {
-    const auto bytes = picture.imageBytes().fit();
-    if (bytes && *bytes <= kNeedsNoProof) {
+    if (!picture.needsProof()) {
         return Error::None;
     }
     const auto code = calsCodeBytes(path);

@@ -25,6 +25,9 @@ struct CalsPicture {
     [[nodiscard]] Size stride() const;     // of a row of a DIB
     [[nodiscard]] Size imageBytes() const; // of all rows
     [[nodiscard]] DWORD bytesPerLine() const;
+    [[nodiscard]] bool isWiderThanDrawings() const;
+    // Whether it is larger than drawings are, so that the file must be able to fill it.
+    [[nodiscard]] bool needsProof() const;
     [[nodiscard]] BilevelInfo describe() const;
 };
 

@@ -2,7 +2,6 @@
 #include "cals/cals_dialogs.h"
 #include "cals/cals_header.h"
 #include "cals/cals_picture.h"
-#include "codec/decode_driver.h"
 #include "core/message_box.h"
 #include "display/loading.h"
 #include "support/wait_cursor.h"
@@ -31,17 +30,18 @@ Error checkLines(const char *path, const CalsPicture &picture) {
     return error == Error::None || lines >= picture.height / kLeastPart ? Error::None : Error::NoMemory;
 }
 
-// A picture that is denser than any drawing must prove that it is there before it gets its memory.
+// A picture that is denser than any drawing must prove that it is there before it gets its memory; one that is wider
+// than any, too, gets none.
 Error checkThere(const char *path, const CalsPicture &picture) {
     constexpr std::uint64_t kDensestDrawing = 1000;
     if (const Error error = checkCalsWorth(path, picture); error != Error::None) {
         return error;
     }
     const DWORD bytes = picture.imageBytes().fit().value_or(0);
-    if (bytes <= kNeedsNoProof) {
+    if (!picture.needsProof() || bytes <= kDensestDrawing * calsCodeBytes(path).value_or(0)) {
         return Error::None;
     }
-    return bytes <= kDensestDrawing * calsCodeBytes(path).value_or(0) ? Error::None : checkLines(path, picture);
+    return picture.isWiderThanDrawings() ? Error::NoMemory : checkLines(path, picture);
 }
 
 Error decodeInto(BYTE *bits, const char *path, const CalsPicture &picture) {

@@ -2,6 +2,7 @@
 #include "cals/cals_dialogs.h"
 #include "cals/cals_header.h"
 #include "codec/encode_driver.h"
+#include "core/image_dimensions.h"
 #include "core/stream.h"
 #include "support/dib_view.h"
 #include "support/numeric.h"
@@ -19,8 +20,6 @@ struct SaveRequest {
     const LONG *orientation;
     bool showEdit;
 };
-
-constexpr double kMetersPerInch = 0.0254000508001016;
 
 CalsInfo infoOf(const DibView &dib, const LONG *orientation) {
     CalsInfo info{};

@@ -33,7 +33,7 @@ if(VELLUM_TOOL_SOURCES)
 endif()
 
 # The examples of the documentation, so that they compile and run.
-foreach(example IN ITEMS load_page black_pixels save_page modca_page)
+foreach(example IN ITEMS load_page black_pixels save_page modca_page cals_notes)
     add_executable(example_${example} examples/${example}.c)
     target_link_libraries(example_${example} PRIVATE vellum_options vellum)
 endforeach()

@@ -46,13 +46,8 @@ struct CcittBitmapInfo {
 // display/screen_band.h
 class ScreenBand;
 
-// What the dialog for the texts of a CALS header works on.
-constexpr int kCalsEditTexts = 7;
-struct CalsEditState {
-    const char *path = nullptr;
-    char *header = nullptr;             // the first of 16 records, locked by the caller
-    char *records[kCalsEditTexts] = {}; // those of them that hold texts, in the order of CalsNotes
-};
+// cals/edit_dialog.cpp
+struct CalsEdit;
 
 // What the dialog for notes works on.
 struct NoteDialogState {
@@ -103,8 +98,8 @@ struct LibraryState {
     // none of it is to be seen.
     ScreenBand *screen = nullptr;
 
-    // cals/edit_dialog.cpp: valid while EditCALSHead runs; else all null.
-    CalsEditState calsEdit;
+    // cals/edit_dialog.cpp: the edit whose dialog opens next; null but for the length of EditCALSHead.
+    CalsEdit *calsEdit = nullptr;
 
     // annot/note_dialog.cpp: valid while the dialog for notes is there; else all null.
     NoteDialogState noteDialog;

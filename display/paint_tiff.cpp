@@ -12,6 +12,8 @@ namespace {
 
 constexpr char kCaption[] = "VELLUMSDK";
 constexpr char kUnsupported[] = "Color format is not supported.";
+// By design: the international inch, where the conversions of files use the survey inch; sizes on the screen have been
+// these.
 constexpr double kMetersPerInchOnScreen = 0.0254;
 
 class TiffOnScreen : public ScreenSource {

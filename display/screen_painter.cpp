@@ -5,6 +5,7 @@
 #include "display/loading.h"
 #include "display/palette.h"
 #include "display/screen_window.h"
+#include "support/dib_view.h"
 
 #include <cstring>
 
@@ -125,8 +126,7 @@ private:
 
 // Palette indexes take the place of the colours: those of the logical palette, which was made of them in this order.
 void replaceColorsByIndexes(BITMAPINFO &info) {
-    const BITMAPINFOHEADER &header = info.bmiHeader;
-    const DWORD entries = header.biClrUsed != 0 ? header.biClrUsed : 1u << header.biBitCount;
+    const DWORD entries = colourTableEntries(info.bmiHeader);
     for (DWORD i = 0; i < entries; ++i) {
         const auto index = static_cast<WORD>(i);
         std::memcpy(reinterpret_cast<BYTE *>(info.bmiColors) + i * sizeof index, &index, sizeof index);

@@ -67,11 +67,14 @@ LONG Projection::pixelAt(LONG screenPixel) const {
 }
 
 ScrollBars scrollBarsFor(const Extent &target, const Extent &roomWithoutBars, const Extent &barThickness) {
+    // A window that has no room for a bar has it without showing it.
+    const LONG besideVertical = roomWithoutBars.width - barThickness.width;
+    const LONG aboveHorizontal = roomWithoutBars.height - barThickness.height;
     ScrollBars bars;
     bars.vertical = target.height > roomWithoutBars.height;
-    bars.horizontal = target.width > roomWithoutBars.width - (bars.vertical ? barThickness.width : 0);
+    bars.horizontal = target.width > (bars.vertical && besideVertical >= 0 ? besideVertical : roomWithoutBars.width);
     // A vertical bar that is needed because of the horizontal one does not change that.
-    bars.vertical = target.height > roomWithoutBars.height - (bars.horizontal ? barThickness.height : 0);
+    bars.vertical = target.height > (bars.horizontal && aboveHorizontal > 0 ? aboveHorizontal : roomWithoutBars.height);
     return bars;
 }
 

@@ -111,7 +111,7 @@ void fillBackground(HWND window, HDC dc, const Extent &client, const RECT &pictu
         if (picture.left < picture.right && picture.top < picture.bottom) {
             ExcludeClipRect(dc, picture.left, picture.top, picture.right, picture.bottom);
         }
-        SelectObject(dc, brush);
+        const SelectedObject selected(dc, brush);
         PatBlt(dc, 0, 0, client.width, client.height, PATCOPY);
     }
 }

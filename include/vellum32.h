@@ -157,8 +157,8 @@ typedef struct CalsInfo {
 } CalsInfo;
 
 /*
- * The texts of a CALS header, by their records; each ends with a NUL. NULL: when read, there is no such text; when
- * defined, "NONE" is written.
+ * The texts of a CALS header, by their records. When defined, each ends with a NUL, and NULL stands for "NONE"; when
+ * read (ReadCALSNote), only the last one does, and NULL stands for a text that is not there.
  */
 typedef struct CalsNotes {
     const char *srcdocid;  /* "srcdocid: ", the document in the source system */
@@ -278,7 +278,7 @@ typedef struct ScreenLineContext {
     DWORD reserved;        /* not used */
     DWORD pixelCount;      /* pixels of a line of the image */
     DWORD bitmapBytes;     /* bytes of a row of the bitmap */
-    DWORD colorUsage;      /* DIB_PAL_COLORS for 4 and 8 bits per pixel, else DIB_RGB_COLORS */
+    DWORD colorUsage;      /* DIB_PAL_COLORS for 4 and 8 bits per pixel that have a palette, else DIB_RGB_COLORS */
     BITMAPINFO *header;    /* hInfo, locked; its size is that of the bitmap */
     DWORD rasterOperation; /* SRCCOPY or NOTSRCCOPY */
     BYTE *workBuffer;      /* for lines that become columns */
@@ -621,8 +621,13 @@ DWORD VELLUMAPI DllFlushTiffLine24DIB(BYTE *line, DWORD row, LoadLineContext *co
 /*
  * The dialog procedure of the information dialog, template "TIFFINFO" in the library's resources: title, artist, date,
  * size, colours and compression of an image. WM_INITDIALOG's lParam points to a TiffInfoDlgParam; without one the
- * template's texts stay. The dialog ends with 1 for Load and 2 for Cancel. A template of a program's own may leave
- * controls out, and may have 211 and 212 for the horizontal and vertical dots per inch.
+ * template's texts stay. The dialog ends with 1 for Load and 2 for Cancel:
+ *     DialogBoxParam(GetModuleHandle("VELLUM32.DLL"), "TIFFINFO", owner, TiffDllInfoDlgFn, (LPARAM)&param)
+ * The loaders show it without an owner: a program whose window is not to be used meanwhile disables it around the call.
+ *
+ * A template of a program's own may leave controls out. They are 200 width, 201 height, 202 planes, 203 bits, 204
+ * colours, 205 title, 206 artist, 207 date, 208 compression, 209 its option, 210 strips, and, which TIFFINFO has not,
+ * 211 and 212 for the horizontal and vertical dots per inch.
  */
 INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -639,7 +644,7 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
 #define VELLUM_ROTATE_180 0x2         /* the first line becomes the bottom row, right to left */
 #define VELLUM_ROTATE_270 0x3         /* clockwise: the first line becomes the leftmost column, bottom to top */
 #define VELLUM_SHOW_BY_RESOLUTION 0x4 /* at its true size on the screen, times the ratios; else a pixel for a pixel */
-#define VELLUM_SHOW_FIT 0x8       /* the whole picture, as large as the client area lets it; before ..._BY_RESOLUTION */
+#define VELLUM_SHOW_FIT 0x8       /* the whole picture, as large as the client area lets it; the former is ignored */
 #define VELLUM_SHOW_INVERTED 0x20 /* exchanges SRCCOPY and NOTSRCCOPY */
 
 /*
@@ -648,43 +653,52 @@ INT_PTR VELLUMAPI TiffDllInfoDlgFn(HWND dialog, UINT message, WPARAM wParam, LPA
  *           NULL: the device context's pixels from its own upper left corner to the right and bottom of its clip box
  *           are what there is room for; nothing is filled or validated then.
  *   dc      the window's device context, or any other that the picture is to be painted on
- *   ratios  NULL, or four numbers: numerator and denominator that the horizontal scale of VELLUM_SHOW_BY_RESOLUTION is
- *           multiplied by, and those of the vertical scale. A pair with a zero counts for nothing.
- *   flags   VELLUM_ROTATE_..., VELLUM_SHOW_...
+ *   ratios  NULL, or four numbers: numerator and denominator that the horizontal scale of VELLUM_SHOW_BY_RESOLUTION
+ *           is multiplied by, and those of the vertical scale. A pair with a zero counts for nothing.
+ *   flags   VELLUM_ROTATE_..., VELLUM_SHOW_...; without one of size a pixel of the picture is one of the screen
+ * Result: 1, or 0 for an empty path, no device context, or an error.
+ * Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage; 1 also for a picture of more than
+ * 16 MB that its file cannot fill; 16 for another number of bits per pixel than 1, 4, 8 and 24, which a message box
+ * tells, too.
+ *
  * By resolution, every direction of the picture has a scale of its own, so that a fax of 204 x 98 dots per inch has
- * its true proportions: device dots per inch (LOGPIXELSX, LOGPIXELSY) over the image's. Fitted, the pixels are square:
- * the picture keeps the proportions of its numbers of pixels. The room for a picture that is turned by 90 or 270
- * degrees is then the client area with width and height exchanged, so that a part of it may be cut off.
+ * its true proportions: device dots per inch (LOGPIXELSX, LOGPIXELSY) over the image's, which are those of
+ * GetTiffDimensions (dots per centimetre count as dots per metre there: they need ratios of 1 to 100).
+ * Fitted, the pixels are square: the picture keeps the proportions of its numbers of pixels. The room for a picture
+ * that is turned by 90 or 270 degrees is then the client area with width and height exchanged, so that a part of it
+ * may be cut off.
  *
  * Scroll bars: a bar is shown where the picture is larger than the client area, else hidden and set to 0; fitting
- * hides both. The part that is shown begins at position x (picture - client area) / range of its bar, in pixels of the
- * screen; a range of 0 stands for the beginning. Give scroll bars a range and no page (nPage), so that the position can
- * reach the range's end.
+ * hides both. The part that is shown begins at position x (picture - client area) / range of its bar, in pixels of
+ * the screen; a range of 0 stands for the beginning. The program gives its bars a range (SetScrollRange) and no page
+ * (nPage), so that the position can reach the range's end, and answers WM_HSCROLL and WM_VSCROLL by SetScrollPos and
+ * InvalidateRect. What a bar that goes away uncovers lies outside the clip region of BeginPaint, and what the program
+ * invalidates in the WM_SIZE that comes of it is validated again: compare the client area before and after the call,
+ * and invalidate the window after EndPaint when it changed, as examples/viewer/view.c does.
  *
  * Afterwards the rest of the client area is filled with the brush of the window's class, and the whole window is
- * validated, also when the image's data were damaged or ended early: what was decoded stays on the screen. The device
- * context keeps the mapping in which a unit is a pixel of the (turned) picture and the origin is the upper left corner
- * of the part that is shown, and the stretching mode; the clipping, the palette and the objects that were selected into
- * it are given back. A world transform is not applied to the picture. After errors that come before the image is
- * decoded (the file, the image, its colours, memory) the window is neither filled nor validated: paint between
- * BeginPaint and EndPaint, or validate it yourself.
+ * validated, also when the image's data were damaged or ended early: what was decoded stays on the screen. After
+ * errors that come before (the file, the image, its colours, memory) the window is neither filled nor validated:
+ * paint between BeginPaint and EndPaint, or validate it yourself.
  *
- * Showing and hiding scroll bars sends the window WM_SIZE, from which another picture may be painted; a message box
- * runs a message loop, in which no second box comes up. A window that has no client area, and a scale that makes
- * nothing of the picture, are successes without a mark. A bilevel picture has the device context's text and background
- * colours, as every monochrome bitmap (black and white unless they were set). Result: 1, or 0 for an empty path, no
- * device context, or an error. Errors: those of OpenTiffFile, GetTiffImage, GetTiffRGBQuad and DecodeTiffImage; 16 for
- * another number of bits per pixel than 1, 4, 8 and 24, which a message box tells, too.
+ * The device context keeps the mapping in which a unit is a pixel of the (turned) picture and the origin is the upper
+ * left corner of the part that is shown, and the stretching mode; the clipping, the palette and the objects that were
+ * selected into it are given back. A world transform is not applied to the picture. A bilevel picture has the device
+ * context's text and background colours, as every monochrome bitmap (black and white unless they were set).
+ *
+ * From WM_SIZE another picture may be painted. A message box runs a message loop, in which no second one comes up. A
+ * window without a client area and a scale that makes nothing of the picture are successes without a mark.
  */
 LONG VELLUMAPI DecompressTiffToScreen(HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                       DWORD flags);
 
 /*
  * The same for a file of any format that can be painted.
- *   kind   VELLUM_SHOW_...
- *   index  of the image, for TIFF
- * Result: as of DecompressTiffToScreen; 0 for a file that is none of them, too: the error is then that of
- * ReadCALSHead (18, or 6 for a file that cannot be opened).
+ *   kind    VELLUM_SHOW_...; any other gives 0 and leaves the error as it was
+ *   index   of the image, for TIFF
+ *   ratios  for CALS files numbers above 0x7FFFFFFF count for nothing
+ * Result: as of DecompressTiffToScreen; 0 for a file that is none of them, too: the error is then that of ReadCALSHead
+ * (18, or 6 for a file that cannot be opened).
  */
 DWORD VELLUMAPI DecompressToScreen(LONG kind, HWND window, HDC dc, const char *path, DWORD index, const DWORD *ratios,
                                    DWORD flags);
@@ -1021,7 +1035,9 @@ DWORD VELLUMAPI ReadCALSInfo(const char *path, CalsInfo *info);
  * Reads the texts of a file's header.
  *   notes  receives pointers into the block that comes back, NULL for texts that are not there
  * Each text but the last one is followed, without a terminator, by those behind it: with AB in the first and CD in the
- * last of two, the first reads "ABCD". The difference of two pointers is the length of the text between them.
+ * last of two, the first reads "ABCD". The texts stand in the order of the record's members, whatever their order in
+ * the file: each ends where the next that is not NULL begins. Copy them apart before they are handed to DefineCALSHead
+ * or SaveDIBInCALSFormat (examples/cals_notes.c). The pointers are good until the block is freed or reallocated.
  * Result: a block that the caller frees when he needs the texts no more, or NULL. Errors: those of ReadCALSHead.
  * Without notes no error is set.
  */
@@ -1051,11 +1067,16 @@ HGLOBAL VELLUMAPI LoadCALSIntoDIB(const char *path, LONG showInfo);
  *   dib          1 bit per pixel, with a header of 40 bytes and two colours, uncompressed, bottom-up. The second colour
  *                is stored as black, or the first one if that is black
  *   notes        the texts of the header, or NULL
- *   orientation  two angles for "rorient: ", or NULL for 90 and 270
+ *   orientation  two angles for "rorient: " (those of a file that was loaded are in its CalsInfo), or NULL for 90 and
+ *                270
  *   showEdit     non-zero lets the user edit the texts first (EditCALSHead)
+ * The density is the DIB's horizontal resolution, 0 if it has none; a CALS file has no other for the vertical one.
+ * The edit dialog has no owner, so that a program disables its window around the call. A file that fails while it is
+ * written is left as far as it got; the one before it is gone then.
  * Result: 1 or 0; also 1, with error 0 and no file made, when the user cancels.
- * Errors: 1 (also: a handle that cannot be locked), 16 (another DIB), 12 (wider than 33280 pixels), 6 (the file cannot
- * be made or written) and those of EncodeCcittImage. 12 and 16 are found before the file is touched.
+ * Errors: 1 (also: a dialog that cannot be shown, a handle that cannot be locked), 16 (another DIB), 12 (wider than
+ * 33280 pixels), 6 (the file cannot be made or written) and those of EncodeCcittImage. 12 and 16 are found before the
+ * file is touched.
  */
 DWORD VELLUMAPI SaveDIBInCALSFormat(const char *path, HGLOBAL dib, const CalsNotes *notes, const LONG *orientation,
                                     LONG showEdit);
@@ -1066,8 +1087,8 @@ LONG VELLUMAPI ShowCALSInfo(HWND parent, const char *path);
 /*
  * Lets the user edit the texts of a header.
  *   path    shown, if it is not NULL
- *   header  the first record, of a locked block. In its text records a NUL follows the text afterwards; with OK they
- *           are rewritten
+ *   header  the first record, of a locked block. With OK its text records are rewritten; a text that has no record in
+ *           it is dropped. Otherwise the header is as it was
  * Result: 1 for OK, 2 for Cancel, -1 without a dialog.
  */
 LONG VELLUMAPI EditCALSHead(HWND parent, const char *path, char *header);
@@ -1094,7 +1115,8 @@ DWORD VELLUMAPI DllFillCALSLineDIB(BYTE *line, DWORD row, CalsLineContext *conte
  *   flags  VELLUM_ROTATE_..., VELLUM_SHOW_BY_RESOLUTION, VELLUM_SHOW_FIT. VELLUM_SHOW_INVERTED paints with SRCCOPY:
  *          set bits are white. Without it they are black (NOTSRCCOPY).
  * Result: 1, or 0 for an empty path, no device context, or an error. A picture whose data end early stays on the screen
- * as far as it goes. Errors: those of ReadCALSInfo; 1, also for negative pixel counts; 6; those of decoding.
+ * as far as it goes. Errors: those of ReadCALSInfo; 1, also for negative pixel counts and for a picture that the file
+ * cannot fill, as LoadCALSIntoDIB; 6; those of decoding.
  */
 DWORD VELLUMAPI DecompressCALSToScreen(HWND window, HDC dc, const char *path, const LONG *zoom, BYTE flags);
 

@@ -102,18 +102,37 @@ TEST(HostileCals, ASmallFileThatClaimsAHugePictureIsError1) {
 }
 
 // Lines so long that a few bytes could fill gigabytes if they were blank.
-TEST(HostileCals, AHugePictureThatBlankLinesCouldFillIsTriedOutFirst) {
+TEST(HostileCals, AHugePictureThatIsWiderThanAnyDrawingGetsNoMemory) {
     const Stopwatch time;
-    for (const char *counts : {"2000000,7000", "8000000,2000", "1000000,7000"}) {
+    for (const char *counts : {"2000000,7000", "8000000,2000", "8000000,500", "1000000,7000", "70000,26000"}) {
         const PeakMemory memory;
-        Bytes some(900, BYTE{0});
-        some.insert(some.begin(), {0xFF, 0xFF}); // sixteen blank lines
-        EXPECT_EQ(load(calsFile(pictureRecords(counts), some)), (Loaded{false, VELLUM_CODE_ERROR})) << counts;
-        const Bytes ends(200, BYTE{0xFF}); // too few blank lines
-        EXPECT_EQ(load(calsFile(pictureRecords("70000,26000"), ends)), (Loaded{false, VELLUM_NO_MEMORY}));
+        EXPECT_EQ(load(calsFile(pictureRecords(counts), Bytes(952, BYTE{0xFF}))), (Loaded{false, VELLUM_NO_MEMORY}))
+            << counts;
         EXPECT_LT(memory.bytes(), kLittleMemory) << counts;
     }
     EXPECT_LT(time.seconds(), kPromptSeconds);
+}
+
+TEST(HostileCals, AHugePictureThatBlankLinesCouldFillIsTriedOutFirst) {
+    const Stopwatch time;
+    const PeakMemory memory;
+    Bytes some(2000, BYTE{0});
+    some.insert(some.begin(), {0xFF, 0xFF}); // sixteen blank lines
+    EXPECT_EQ(load(calsFile(pictureRecords("065000,012000"), some)), (Loaded{false, VELLUM_CODE_ERROR}));
+    Bytes ends(2000, BYTE{0xFF}); // some blank lines, then the end
+    std::copy_n(Bytes{0x00, 0x10, 0x01}.begin(), 3, ends.begin() + 60);
+    EXPECT_EQ(load(calsFile(pictureRecords("065000,012000"), ends)), (Loaded{false, VELLUM_NO_MEMORY}));
+    EXPECT_LT(memory.bytes(), kLittleMemory);
+    EXPECT_LT(time.seconds(), kPromptSeconds);
+}
+
+// The largest drawings are not taken for such pictures.
+TEST(HostileCals, ALargeDrawingWithoutItsDataIsWhite) {
+    for (const Bytes &code : {Bytes(), Bytes{0xFF}}) {
+        const MessageBoxes boxes;
+        EXPECT_EQ(load(calsFile(pictureRecords("017600,013600"), code)), (Loaded{true, VELLUM_UNEXPECTED_END}));
+        EXPECT_EQ(boxes.count(), 1);
+    }
 }
 
 // A blank line is one bit.
