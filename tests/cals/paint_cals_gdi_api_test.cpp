@@ -1,5 +1,6 @@
 // CALS files on the screen: every rotation and size beside the model that judges TIFF images, and what can go wrong.
 #include "cals/cals_pictures.h"
+#include "hostile/orderly.h"
 #include "support/gdi_calls.h"
 #include "support/screen_painting.h"
 
@@ -183,6 +184,31 @@ TEST(PaintCals, SaysWhyAPictureCannotBePainted) {
             EXPECT_EQ(GetCursor(), arrow);
         }
     }
+}
+
+// Blank lines of one bit each: enough of them for all lines, but no scanner makes lines so long.
+TEST(PaintCals, LinesTooLongForAnyScannerAreError1AtOnce) {
+    Host host(kWindow.cx, kWindow.cy);
+    for (const char *counts : {"8000000,20000", "120000000,20000"}) {
+        const TempFile file(calsFile(pictureRecords(counts), Bytes(2508, BYTE{0xFF})));
+        for (const DWORD mode : {DWORD{0}, DWORD{VELLUM_SHOW_BY_RESOLUTION}, DWORD{VELLUM_SHOW_FIT}}) {
+            for (const DWORD flags : allTurns(mode)) {
+                SCOPED_TRACE(std::string(counts) + ", flags " + std::to_string(flags));
+                host.reset();
+                const Stopwatch watch;
+                EXPECT_EQ(paintCals(host.window(), host.dc(), file.path(), {flags}), (Outcome{0, VELLUM_NO_MEMORY}));
+                EXPECT_LT(watch.seconds(), 1);
+                EXPECT_TRUE(host.needsPainting());
+            }
+        }
+    }
+}
+
+TEST(PaintCals, ALargeBlankPageWhoseCodeIsThereIsPainted) {
+    Host host(kWindow.cx, kWindow.cy);
+    const TempFile file(calsFile(pictureRecords("032000,016000"), Bytes(2100, BYTE{0xFF})));
+    EXPECT_EQ(paintCals(host.window(), host.dc(), file.path()), kDecoded);
+    EXPECT_EQ(host.pixels().front(), 0xFFFFFFU);
 }
 
 TEST(PaintCals, TakesNeitherAnEmptyPathNorNoContext) {

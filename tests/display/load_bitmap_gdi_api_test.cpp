@@ -188,6 +188,32 @@ TEST(LoadBitmap, ASmallFileThatClaimsAHugePictureIsRefusedForWantOfMemory) {
     }
 }
 
+// A bitmap of the screen's depth is larger than the picture in the file.
+TEST(LoadBitmap, TheMemoryOfTheScreensDepthNeedsTheFilesProofToo) {
+    for (const SIZE size : {SIZE{8190, 4090}, SIZE{2100, 2100}}) {
+        SCOPED_TRACE(size.cx);
+        const CodedPage page{.width = static_cast<DWORD>(size.cx),
+                             .height = static_cast<DWORD>(size.cy),
+                             .bits = 4,
+                             .key = VELLUM_KEY_NONE};
+        const TempFile file(codedTiff(page, {Bytes(10, BYTE{0x55})}));
+        const GdiCalls calls;
+        SetTiffError(VELLUM_OK);
+        EXPECT_EQ(LoadTiffIntoBitmap(file.path(), 0, 0), nullptr);
+        EXPECT_EQ(TiffError(), DWORD{VELLUM_NO_MEMORY});
+        EXPECT_EQ(calls.counts().objects, 0);
+        EXPECT_EQ(calls.counts().lines, 0);
+    }
+}
+
+TEST(LoadBitmap, ALargePictureWhoseDataAreThereLoads) {
+    const TempFile file(picture(2100, 2100, {4, 1}).tiff());
+    const Load bitmap(file.path());
+    EXPECT_EQ(TiffError(), DWORD{VELLUM_OK});
+    ASSERT_TRUE(bitmap);
+    EXPECT_EQ(pixelsOf(bitmap.get()), dibPixels(file.path()));
+}
+
 // ---------------------------------------------------------------- of an open file
 
 TEST(LoadChainBitmap, NoHandleIsNoBitmap) {

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace {
 
 using namespace vellum::test;
@@ -210,6 +212,67 @@ TEST(ScreenFaults, WithoutALineBitmapOrAMemoryContextThereIsError1) {
                     SCOPED_TRACE(std::to_string(bits) + " bits, flags " + std::to_string(flags));
                     EXPECT_EQ(Balanced(host, file.path(), {flags}, fail).outcome, failedWith(VELLUM_NO_MEMORY));
                 }
+            }
+        }
+    }
+    expectUsable(host);
+}
+
+// What of a device context the painting may change for a while.
+struct ContextState {
+    int graphicsMode = 0;
+    XFORM world{};
+    COLORREF colors[2] = {};
+    int rasterOperation = 0;
+    POINT brushOrigin{};
+    RECT clip{};
+    int clipKind = 0;
+
+    explicit ContextState(HDC dc)
+        : graphicsMode(GetGraphicsMode(dc)), colors{GetBkColor(dc), GetTextColor(dc)}, rasterOperation(GetROP2(dc)) {
+        GetWorldTransform(dc, &world);
+        GetBrushOrgEx(dc, &brushOrigin);
+        const HRGN region = CreateRectRgn(0, 0, 0, 0);
+        clipKind = GetClipRgn(dc, region);
+        GetRgnBox(region, &clip);
+        DeleteObject(region);
+    }
+    bool operator==(const ContextState &other) const {
+        return graphicsMode == other.graphicsMode && std::memcmp(&world, &other.world, sizeof world) == 0 &&
+               std::memcmp(colors, other.colors, sizeof colors) == 0 && rasterOperation == other.rasterOperation &&
+               brushOrigin.x == other.brushOrigin.x && brushOrigin.y == other.brushOrigin.y &&
+               EqualRect(&clip, &other.clip) && clipKind == other.clipKind;
+    }
+};
+
+TEST(ScreenFaults, AContextThatCannotBeSavedIsError1AndKeepsAllButItsMappingAndStretchingMode) {
+    Host host(kWindow.cx, kWindow.cy);
+    for (const DWORD bits : kScreenDepths) {
+        const TempFile file(screenPicture(30, 20, bits).tiff());
+        for (const DWORD mode : kModes) {
+            for (const DWORD flags : fourTurns(mode)) {
+                SCOPED_TRACE(std::to_string(bits) + " bits, flags " + std::to_string(flags));
+                host.reset();
+                IntersectClipRect(host.dc(), 3, 2, 50, 40);
+                SetGraphicsMode(host.dc(), GM_ADVANCED);
+                const XFORM half{0.5F, 0, 0, 0.5F, 3, 4};
+                SetWorldTransform(host.dc(), &half);
+                const ContextState before(host.dc());
+                const std::vector<HGDIOBJ> selected = selections(host.dc());
+                {
+                    const GdiCalls calls(GdiCalls::Fail::SaveDc);
+                    EXPECT_EQ(paint(host.window(), host.dc(), file.path(), {flags}), failedWith(VELLUM_NO_MEMORY));
+                    EXPECT_EQ(calls.counts().objects, 0);
+                    EXPECT_EQ(calls.counts().memoryContexts, 0);
+                    EXPECT_EQ(calls.counts().deletedInUse, 0);
+                }
+                EXPECT_TRUE(ContextState(host.dc()) == before);
+                EXPECT_EQ(selections(host.dc()), selected);
+                EXPECT_EQ(GetStretchBltMode(host.dc()), bits == 1 ? WHITEONBLACK : COLORONCOLOR);
+                EXPECT_NE(GetMapMode(host.dc()), MM_TEXT);
+                EXPECT_TRUE(host.needsPainting());
+                host.freshDc();
+                EXPECT_EQ(host.pixels(), Pixels(static_cast<std::size_t>(kWindow.cx) * kWindow.cy, kUntouched));
             }
         }
     }

@@ -213,6 +213,53 @@ TEST(ScreenSmallWindow, IsPaintedAsFarAsItGoes) {
     }
 }
 
+// The room and the bars after a painting.
+struct Arrangement {
+    SIZE client;
+    Bars bars;
+    bool operator==(const Arrangement &other) const {
+        return client.cx == other.client.cx && client.cy == other.client.cy && bars == other.bars;
+    }
+};
+void PrintTo(const Arrangement &arrangement, std::ostream *out) {
+    *out << arrangement.client.cx << " x " << arrangement.client.cy << " ";
+    PrintTo(arrangement.bars, out);
+}
+
+Arrangement arrangedBy(Host &host, const char *path) {
+    EXPECT_EQ(paint(host.window(), host.dc(), path), kDecoded);
+    return {host.client(), {host.hasBar(SB_HORZ), host.hasBar(SB_VERT)}};
+}
+
+// Whatever bars were there before: those of a picture that is larger than the client area which they leave, and the
+// same again.
+void expectSteadyBars(Host &host, const SIZE &picture, const char *path) {
+    for (const bool shown : {false, true}) {
+        SCOPED_TRACE(shown ? "with bars at first" : "without bars at first");
+        host.reset({0, 100, 0, shown}, {0, 100, 0, shown});
+        const Arrangement first = arrangedBy(host, path);
+        EXPECT_EQ(first.bars, (Bars{picture.cx > first.client.cx, picture.cy > first.client.cy}))
+            << "the client area is " << first.client.cx << " x " << first.client.cy;
+        EXPECT_EQ(arrangedBy(host, path), first) << "the second painting";
+    }
+}
+
+TEST(ScreenSmallWindow, HasTheBarsThatThePictureNeedsAndKeepsThem) {
+    for (const SIZE picture : {SIZE{5, 14}, SIZE{5, 200}, SIZE{20, 90}, SIZE{295, 20}}) {
+        const TempFile file(screenPicture(picture.cx, picture.cy, 1).tiff());
+        for (const int narrow : {0, 5, 14, 16, 17, 18}) {
+            for (const int other : {0, 5, 17, 18, 40, 300}) {
+                for (const SIZE size : {SIZE{narrow, other}, SIZE{other, narrow}}) {
+                    SCOPED_TRACE(std::to_string(picture.cx) + " x " + std::to_string(picture.cy) + " in " +
+                                 std::to_string(size.cx) + " x " + std::to_string(size.cy));
+                    Host host(size.cx, size.cy);
+                    expectSteadyBars(host, picture, file.path());
+                }
+            }
+        }
+    }
+}
+
 TEST(ScreenSmallWindow, OfOnePixelShowsTheFirst) {
     Easel easel({1, 1});
     const ScreenPicture picture = screenPicture(1, 1, 24);

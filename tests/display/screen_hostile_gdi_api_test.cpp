@@ -104,6 +104,35 @@ TEST_F(ScreenHostile, ATallBlankPageIsPainted) {
     EXPECT_EQ(last_, kDecoded);
 }
 
+// Blank lines of Group 4, one bit each: enough of them for all lines, but no scanner makes lines so long.
+TEST_F(ScreenHostile, LinesTooLongForAnyScannerProveNothing) {
+    for (const DWORD width : {8000000U, 120000000U}) {
+        SCOPED_TRACE(width);
+        const CodedPage page{.width = width, .height = 20000, .key = VELLUM_KEY_GROUP4};
+        const TempFile file(codedTiff(page, {Bytes(2508, BYTE{0xFF})}));
+        const SIZE_T before = peakMemory();
+        for (const DWORD mode : kModes) {
+            for (const DWORD flags : allTurns(mode)) {
+                SCOPED_TRACE("flags " + std::to_string(flags));
+                const Stopwatch watch;
+                host_.reset({0, 100, 30}, {0, 100, 70});
+                EXPECT_EQ(paint(host_.window(), host_.dc(), file.path(), {flags}), failedWith(VELLUM_NO_MEMORY));
+                EXPECT_LT(watch.seconds(), 1);
+                EXPECT_EQ(GetScrollPos(host_.window(), SB_HORZ), 30);
+                EXPECT_EQ(GetScrollPos(host_.window(), SB_VERT), 70);
+                EXPECT_TRUE(host_.needsPainting());
+            }
+        }
+        EXPECT_LT(peakMemory() - before, kLittleMemory);
+    }
+}
+
+TEST_F(ScreenHostile, ALargeBlankPageWhoseCodeIsThereIsPainted) {
+    const CodedPage page{.width = 32000, .height = 16000, .key = VELLUM_KEY_GROUP4};
+    expectPrompt(codedTiff(page, {Bytes(2000, BYTE{0xFF})}));
+    EXPECT_EQ(last_, kDecoded);
+}
+
 TEST_F(ScreenHostile, NoWidthIsError10) {
     for (const DWORD bits : kScreenDepths) {
         for (const DWORD height : {0U, 65535U}) {

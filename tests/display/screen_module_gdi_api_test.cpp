@@ -126,6 +126,26 @@ TEST_F(ScreenModule, RowsThatThePictureDoesNotHaveAreLeftOut) {
     expectShown({3, kHeight, kHeight + 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 4});
 }
 
+// Numbers that lead back into the picture when they are taken from its end, or cut to fewer bits.
+TEST_F(ScreenModule, RowsBeforeTheFirstAndBehindTheLastChangeNothingInAnyRotation) {
+    std::vector<DWORD> rows;
+    for (const DWORD around : {DWORD{0}, DWORD{0x7FFFFFFF}, DWORD{0x80000000}, DWORD{0x80000000} + kHeight,
+                               DWORD{0x10000}, DWORD{0xFFFF0000}, DWORD{2 * kHeight}, 0 - DWORD{kHeight}}) {
+        for (int step = -2; step <= 2; ++step) {
+            const DWORD row = around + static_cast<DWORD>(step);
+            if (row >= kHeight) {
+                rows.push_back(row);
+            }
+        }
+    }
+    for (const DWORD mode : {DWORD{0}, DWORD{VELLUM_SHOW_BY_RESOLUTION}}) {
+        expectShown(rows, mode);
+    }
+    rows.push_back(0);
+    rows.insert(rows.begin(), kHeight - 1);
+    expectShown(rows);
+}
+
 TEST_F(ScreenModule, LinesThatComeTwiceAreShownOnce) {
     expectShown({3, 3, 100, 3, 100, 4});
 }

@@ -139,4 +139,18 @@ TEST(ScrollBarsFor, ABarTakesRoomThatTheOtherDirectionNeeds) {
     EXPECT_TRUE(byWidth.vertical);
 }
 
+TEST(ScrollBarsFor, ABarThatAWindowIsTooSmallForTakesNoRoom) {
+    const Extent bar{16, 16};
+    const auto needed = [&](const Extent &target, const Extent &room) {
+        const ScrollBars bars = scrollBarsFor(target, room, bar);
+        return (bars.horizontal ? 1 : 0) + (bars.vertical ? 2 : 0);
+    };
+    EXPECT_EQ(needed({5, 200}, {15, 100}), 2);
+    EXPECT_EQ(needed({5, 200}, {16, 100}), 3) << "a vertical bar takes a window of its own width";
+    EXPECT_EQ(needed({200, 5}, {100, 15}), 1);
+    EXPECT_EQ(needed({200, 5}, {100, 16}), 1) << "a horizontal one does not take one of its own height";
+    EXPECT_EQ(needed({200, 5}, {100, 17}), 3);
+    EXPECT_EQ(needed({5, 5}, {0, 0}), 3);
+}
+
 } // namespace

@@ -101,6 +101,9 @@ BOOL WINAPI countDeleteDc(HDC dc) {
 }
 
 int WINAPI countSaveDc(HDC dc) {
+    if (failing == GdiCalls::Fail::SaveDc) {
+        return 0;
+    }
     const int level = patches.saveDc.original<decltype(SaveDC)>()(dc);
     counts.savedStates += level == 0 ? 0 : 1;
     return level;

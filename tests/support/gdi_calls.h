@@ -14,6 +14,7 @@ public:
         MemoryDc,
         Bitmap,
         Palette,
+        SaveDc,
         GetDiBits,
         OpenClipboard,
         GetClipboardData,
