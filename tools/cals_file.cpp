@@ -8,6 +8,7 @@
 #include "tools/raw_file.h"
 #include "tools/tiff_document.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <memory>
@@ -17,14 +18,20 @@ namespace tool {
 
 namespace {
 
-// The texts by the names of their records.
+// The texts by the names of their records. `elsewhere` is how other programs spell a record where they do it
+// otherwise; the library does not take theirs for the text.
 struct TextField {
     std::string_view key;
     const char *CalsNotes::*text;
+    std::string_view elsewhere = {};
 };
 constexpr TextField kTexts[] = {
-    {"srcdocid", &CalsNotes::srcdocid}, {"dstdocis", &CalsNotes::dstdocis}, {"txtfileid", &CalsNotes::txtfileid},
-    {"figid", &CalsNotes::figid},       {"scrgph", &CalsNotes::scrgph},     {"doccls", &CalsNotes::doccls},
+    {"srcdocid", &CalsNotes::srcdocid},
+    {"dstdocis", &CalsNotes::dstdocis, "dstdocid"},
+    {"txtfileid", &CalsNotes::txtfileid, "txtfilid"},
+    {"figid", &CalsNotes::figid},
+    {"scrgph", &CalsNotes::scrgph, "srcgph"},
+    {"doccls", &CalsNotes::doccls},
     {"notes", &CalsNotes::notes},
 };
 static_assert(std::size(kTexts) == kCalsTexts);
@@ -95,6 +102,51 @@ void readTexts(const FileName &name, CalsDescription &description) {
     }
 }
 
+// Without the padding and an end of line before it.
+std::string trimmed(std::string_view record) {
+    const auto isPadding = [](char c) { return c == ' ' || c == '\0' || c == '\r' || c == '\n'; };
+    while (!record.empty() && isPadding(record.back())) {
+        record.remove_suffix(1);
+    }
+    return std::string(record);
+}
+
+CalsRecord recordAt(const char *header, DWORD number) {
+    const std::string text = trimmed({header + number * VELLUM_CALS_RECORD, VELLUM_CALS_RECORD});
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos) {
+        return {number, "", text};
+    }
+    const std::size_t value = text.find_first_not_of(' ', colon + 1);
+    return {number, text.substr(0, colon), value == std::string::npos ? "" : text.substr(value)};
+}
+
+// The records of a header that are in use; none when it cannot be read.
+std::vector<CalsRecord> readRecords(const FileName &name) {
+    std::vector<CalsRecord> records;
+    const LibraryBlock header(ReadCALSHead(name.forLibrary().c_str()));
+    for (DWORD i = 0; header && i < kRecords; ++i) {
+        CalsRecord record = recordAt(header.get(), i);
+        if (!record.keyword.empty() || !record.value.empty()) {
+            records.push_back(std::move(record));
+        }
+    }
+    return records;
+}
+
+// Texts that are there under the other spelling alone.
+void readTextsSpelledOtherwise(const FileName &name, CalsDescription &description) {
+    for (CalsRecord &record : readRecords(name)) {
+        const auto field = std::ranges::find(kTexts, record.keyword, &TextField::elsewhere);
+        if (field == std::end(kTexts) || record.keyword.empty() || record.value.empty()) {
+            continue;
+        }
+        if (auto &text = description.texts[static_cast<std::size_t>(field - kTexts)]; !text) {
+            text = std::move(record.value);
+        }
+    }
+}
+
 void setResolution(Picture &picture, LONG density) {
     if (density <= 0) {
         return;
@@ -120,17 +172,22 @@ DWORD decode(const FileName &name, StoringRun &run, const Picture &picture) {
     return decoded != 0 ? DWORD{VELLUM_OK} : TiffError();
 }
 
+// A resolution as a header holds it; 0 when there is none.
+LONG densityOf(const Picture &picture, DWORD tag) {
+    const double density = std::round(dotsPerInch(picture, tag));
+    return density <= MAXLONG ? static_cast<LONG>(density) : 0;
+}
+
 CalsInfo infoOf(const Picture &picture, const CalsDescription &description) {
     constexpr std::array<LONG, 2> kUsualOrientation = {90, 270};
     const std::array<LONG, 2> angles = description.orientation.value_or(kUsualOrientation);
-    const double density = std::round(dotsPerInch(picture, tag::kXResolution));
     CalsInfo info{};
     info.rtype = 1;
     info.rorient[0] = angles[0];
     info.rorient[1] = angles[1];
     info.rpelcnt[0] = static_cast<LONG>(picture.width);
     info.rpelcnt[1] = static_cast<LONG>(picture.height);
-    info.rdensty = density <= MAXLONG ? static_cast<LONG>(density) : 0;
+    info.rdensty = densityOf(picture, tag::kXResolution);
     return info;
 }
 
@@ -140,25 +197,6 @@ CalsNotes notesOf(const CalsDescription &description) {
         notes.*kTexts[i].text = description.texts[i] ? description.texts[i]->c_str() : nullptr;
     }
     return notes;
-}
-
-// Without the padding and an end of line before it.
-std::string trimmed(std::string_view record) {
-    const auto isPadding = [](char c) { return c == ' ' || c == '\0' || c == '\r' || c == '\n'; };
-    while (!record.empty() && isPadding(record.back())) {
-        record.remove_suffix(1);
-    }
-    return std::string(record);
-}
-
-CalsRecord recordAt(const char *header, DWORD number) {
-    const std::string text = trimmed({header + number * VELLUM_CALS_RECORD, VELLUM_CALS_RECORD});
-    const std::size_t colon = text.find(':');
-    if (colon == std::string::npos) {
-        return {number, "", text};
-    }
-    const std::size_t value = text.find_first_not_of(' ', colon + 1);
-    return {number, text.substr(0, colon), value == std::string::npos ? "" : text.substr(value)};
 }
 
 } // namespace
@@ -223,6 +261,7 @@ CalsDescription describeCals(const FileName &name) {
     if (ReadCALSInfo(name.forLibrary().c_str(), &info) != 0) {
         description.orientation = {info.rorient[0], info.rorient[1]};
         readTexts(name, description);
+        readTextsSpelledOtherwise(name, description);
     }
     return description;
 }
@@ -264,6 +303,14 @@ std::string calsObstacle(const Picture &picture) {
     return picture.width > kWidestLine ? "the page is wider than 33280 pixels." : "";
 }
 
+std::string calsLoss(const Picture &picture) {
+    const LONG both = densityOf(picture, tag::kXResolution);
+    const LONG vertical = densityOf(picture, tag::kYResolution);
+    return vertical == 0 || vertical == both ? ""
+                                             : "CALS files hold one resolution: " + std::to_string(both) +
+                                                   " dpi in place of " + std::to_string(vertical) + " vertically.";
+}
+
 std::string writeCals(const FileName &file, const Picture &picture, const CalsDescription &description,
                       const std::string &progressLabel) {
     const auto failure = [](DWORD error) { return "cannot be written: " + libraryMessage(error); };
@@ -298,13 +345,7 @@ CalsLook lookAtCals(const FileName &name) {
     } else {
         look.failure = readFailure(name, look.error);
     }
-    const LibraryBlock header(ReadCALSHead(name.forLibrary().c_str()));
-    for (DWORD i = 0; header && i < kRecords; ++i) {
-        CalsRecord record = recordAt(header.get(), i);
-        if (!record.keyword.empty() || !record.value.empty()) {
-            look.records.push_back(std::move(record));
-        }
-    }
+    look.records = readRecords(name);
     return look;
 }
 

@@ -31,7 +31,8 @@ bool isCalsName(const FileName &name);
 // By its extension or by its content: false for a file of another name whose header describes no picture.
 bool isCalsFile(const FileName &name);
 
-// What a file's header tells; nothing for a header that cannot be read.
+// What a file's header tells, also in records that are spelled as other programs do; nothing for a header that cannot
+// be read.
 CalsDescription describeCals(const FileName &name);
 
 class CalsSource final : public PageSource {
@@ -49,6 +50,8 @@ private:
 
 // Why a picture cannot be written as a CALS file; empty when it can.
 std::string calsObstacle(const Picture &picture);
+// What a CALS file does not keep of a picture that it can hold; empty when it keeps all.
+std::string calsLoss(const Picture &picture);
 // Writes the file, which is there and empty. Result: why that failed; empty when it did not.
 std::string writeCals(const FileName &file, const Picture &picture, const CalsDescription &description,
                       const std::string &progressLabel);

@@ -35,6 +35,9 @@ Status convertPage(const PageSource &source, DWORD index, const CalsDescription 
         return fail(output.shown(), failure);
     }
     Console::get().print(output.shown() + ": " + sizeText(picture.width, picture.height, 1) + "\n");
+    if (const std::string loss = calsLoss(picture); !loss.empty()) {
+        Console::get().complain(source.pageLabel(index) + ": warning: " + loss);
+    }
     return reading.warning.empty() ? Status::Ok : fail(source.pageLabel(index), "warning: " + reading.warning);
 }
 

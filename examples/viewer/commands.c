@@ -33,7 +33,7 @@ static BOOL agrees(const Viewer *viewer, const char *path, const char *question)
 
 void openFile(Viewer *viewer, const char *path) {
     if (!openDocument(&viewer->document, path)) {
-        report(viewer, path, "The file could not be opened.");
+        report(viewer, path, "The file is neither a TIFF nor a CALS raster file.");
         return;
     }
     viewer->view.rotation = VELLUM_ROTATE_0;

@@ -35,13 +35,7 @@ static void handleKey(Viewer *viewer, WPARAM key) {
 
 static void handleWheel(Viewer *viewer, WPARAM wParam) {
     const int bar = (GET_KEYSTATE_WPARAM(wParam) & MK_SHIFT) != 0 ? SB_HORZ : SB_VERT;
-    UINT lines = 3;
-    SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
-    if (lines == WHEEL_PAGESCROLL) {
-        handleScrollBar(viewer, bar, GET_WHEEL_DELTA_WPARAM(wParam) < 0 ? SB_PAGEDOWN : SB_PAGEUP);
-    } else {
-        scrollPixels(viewer, bar, MulDiv(-GET_WHEEL_DELTA_WPARAM(wParam), (int)lines * SCROLL_LINE, WHEEL_DELTA));
-    }
+    scrollByWheel(viewer, bar, GET_WHEEL_DELTA_WPARAM(wParam));
 }
 
 static void handleDrop(Viewer *viewer, HDROP drop) {

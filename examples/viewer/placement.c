@@ -4,7 +4,7 @@
  * The painter has a fit of its own, VELLUM_SHOW_FIT. It keeps the proportions of the numbers of pixels, so that a fax
  * of 204 x 98 dots per inch looks squashed, and a page turned by 90 degrees may be cut off. A viewer wants the whole
  * page in its true proportions: that is VELLUM_SHOW_BY_RESOLUTION, which gives a page its true size, with ratios that
- * bring this size to the window's.
+ * bring this size to the window's. The ratios also make up for resolutions that the painter does not know in inches.
  */
 #include "viewer.h"
 
@@ -40,7 +40,7 @@ static PageSize turnedPage(const PageSize *page, DWORD rotation) {
     return turned;
 }
 
-/* What VELLUM_SHOW_BY_RESOLUTION makes of a length. A page that tells no resolution has the screen's. */
+/* What a length is on the screen in its true size. A page that tells no resolution has the screen's. */
 static double trueLength(LONG length, double dotsPerInch, LONG screenDotsPerInch) {
     return dotsPerInch > 0 ? length / dotsPerInch * screenDotsPerInch : (double)length;
 }
@@ -61,9 +61,7 @@ Placement placePage(const PageSize *page, const View *view, const SIZE *client, 
         placement.flags |= VELLUM_SHOW_BY_RESOLUTION;
         placement.size.cx = pixels(width * factor);
         placement.size.cy = pixels(height * factor);
-    }
-    if (view->sizing == SIZING_FIT) {
-        setRatios(placement.ratios, factor);
+        setRatios(placement.ratios, factor * page->ratio);
     }
     return placement;
 }

@@ -6,7 +6,10 @@
  */
 #include "viewer.h"
 
-/* Fine enough for a step of one pixel on any page, and within the 16 bits that some messages have for a position. */
+/*
+ * Within the 16 bits that some messages have for a position. A page that hides more pixels than this is scrolled by
+ * several of them at least.
+ */
 #define SCROLL_RANGE 30000
 
 static SIZE clientSize(HWND window) {
@@ -33,10 +36,10 @@ static Placement currentPlacement(const Viewer *viewer) {
 /* Writes a text into the middle of the window, on a background of its own. */
 static void paintText(HWND window, const char *text) {
     HDC dc = GetDC(window);
+    const HGDIOBJ fontBefore = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
     RECT area, around;
     GetClientRect(window, &area);
     around = area;
-    SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
     DrawTextA(dc, text, -1, &around, DT_CALCRECT | DT_NOPREFIX);
     OffsetRect(&around, (area.right - around.right) / 2, (area.bottom - around.bottom) / 2);
     InflateRect(&around, 8, 8);
@@ -45,6 +48,7 @@ static void paintText(HWND window, const char *text) {
     SetTextColor(dc, GetSysColor(COLOR_INFOTEXT));
     SetBkMode(dc, TRANSPARENT);
     DrawTextA(dc, text, -1, &around, DT_NOPREFIX);
+    SelectObject(dc, fontBefore);
     ReleaseDC(window, dc);
 }
 
@@ -62,7 +66,7 @@ static DWORD paintPage(Viewer *viewer, HDC dc) {
     const Placement placement = currentPlacement(viewer);
     DWORD painted;
     viewer->view.painting = TRUE;
-    painted = DecompressToScreen(VELLUM_SHOW_ANY, viewer->window, dc, document->path, document->page, placement.ratios,
+    painted = DecompressToScreen(document->kind, viewer->window, dc, document->path, document->page, placement.ratios,
                                  placement.flags);
     viewer->view.painting = FALSE;
     return painted ? VELLUM_OK : TiffError();
@@ -127,9 +131,34 @@ void scrollPixels(Viewer *viewer, int bar, LONG pixels) {
     const SIZE client = clientSize(viewer->window);
     const SIZE page = currentPlacement(viewer).size;
     const LONG hidden = bar == SB_HORZ ? page.cx - client.cx : page.cy - client.cy;
-    if (hidden > 0) {
-        scrollTo(viewer, bar, GetScrollPos(viewer->window, bar) + MulDiv(pixels, SCROLL_RANGE, hidden));
+    LONG positions;
+    if (hidden <= 0 || pixels == 0) {
+        return;
     }
+    pixels = pixels < -hidden ? -hidden : pixels > hidden ? hidden : pixels;
+    positions = MulDiv(pixels, SCROLL_RANGE, hidden);
+    if (positions == 0) {
+        positions = pixels < 0 ? -1 : 1; /* of a page so large that a position is farther */
+    }
+    scrollTo(viewer, bar, GetScrollPos(viewer->window, bar) + positions);
+}
+
+/* A little less than what the window shows, so that a line of it stays. */
+static LONG screenful(HWND window, int bar) {
+    const SIZE client = clientSize(window);
+    const LONG length = (bar == SB_HORZ ? client.cx : client.cy) - SCROLL_LINE;
+    return length < SCROLL_LINE ? SCROLL_LINE : length;
+}
+
+void scrollByWheel(Viewer *viewer, int bar, LONG turn) {
+    const LONG most = screenful(viewer->window, bar);
+    LONG *rest = &viewer->wheelRest[bar];
+    UINT lines = 3;
+    SystemParametersInfoA(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
+    /* WHEEL_PAGESCROLL is a very large number of lines. */
+    *rest -= turn * (lines < (UINT)(most / SCROLL_LINE) ? (LONG)lines * SCROLL_LINE : most);
+    scrollPixels(viewer, bar, *rest / WHEEL_DELTA);
+    *rest %= WHEEL_DELTA;
 }
 
 /* Where the user drags the thumb to. */
@@ -140,8 +169,6 @@ static LONG thumbPosition(HWND window, int bar) {
 }
 
 void handleScrollBar(Viewer *viewer, int bar, WORD request) {
-    const SIZE client = clientSize(viewer->window);
-    const LONG screenful = (bar == SB_HORZ ? client.cx : client.cy) - SCROLL_LINE;
     switch (request) {
     case SB_LINEUP:
         scrollPixels(viewer, bar, -SCROLL_LINE);
@@ -150,10 +177,10 @@ void handleScrollBar(Viewer *viewer, int bar, WORD request) {
         scrollPixels(viewer, bar, SCROLL_LINE);
         break;
     case SB_PAGEUP:
-        scrollPixels(viewer, bar, -screenful);
+        scrollPixels(viewer, bar, -screenful(viewer->window, bar));
         break;
     case SB_PAGEDOWN:
-        scrollPixels(viewer, bar, screenful);
+        scrollPixels(viewer, bar, screenful(viewer->window, bar));
         break;
     case SB_THUMBTRACK:
     case SB_THUMBPOSITION:

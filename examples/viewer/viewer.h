@@ -19,6 +19,7 @@ typedef struct PageSize {
     LONG height;
     double dotsPerInchX;
     double dotsPerInchY;
+    double ratio; /* what VELLUM_SHOW_BY_RESOLUTION is to be multiplied by to give the page its true size */
 } PageSize;
 
 /* A file and the page of it that is shown. No file is kept open: the library opens it for every call. */
@@ -32,7 +33,10 @@ typedef struct Document {
     DWORD pageError;   /* why it cannot be */
 } Document;
 
-/* Opens a file at its first page. Result: FALSE, with TiffError telling why, leaves *document as it was. */
+/*
+ * Opens a file at its first page. Result: FALSE, with TiffError telling why, leaves *document as it was; no error is
+ * pending for a file that is neither TIFF nor CALS.
+ */
 BOOL openDocument(Document *document, const char *path);
 
 /* Goes to a page, and looks at it, and at the number of pages, afresh. A page that is not there changes nothing. */
@@ -41,7 +45,10 @@ BOOL goToPage(Document *document, DWORD page);
 /* Loads the page as a packed DIB that the caller frees. Result: NULL, with TiffError telling why. */
 HGLOBAL loadPage(const Document *document);
 
-/* Puts the page onto the clipboard. Result: FALSE, with TiffError telling why, unless the clipboard is in use. */
+/*
+ * Puts the page onto the clipboard, also one whose data end early: as far as it goes. Result: FALSE, with TiffError
+ * telling why, unless the clipboard is in use.
+ */
 BOOL copyPage(const Document *document, HWND owner);
 
 /* Shows the library's information dialog. Result: FALSE, with TiffError telling why, when it could not be shown. */
@@ -78,6 +85,7 @@ typedef struct Viewer {
     HWND window;
     Document document;
     View view;
+    LONG wheelRest[2]; /* by SB_HORZ and SB_VERT: what the wheel has not scrolled yet, in WHEEL_DELTA-ths of a pixel */
 } Viewer;
 
 /* Gives the scroll bars their range. Once, when the window is new. */
@@ -92,6 +100,9 @@ void handleScrollBar(Viewer *viewer, int bar, WORD request);
 /* Moves the part that is shown, and paints it; above 0 to the right or down. */
 void scrollPixels(Viewer *viewer, int bar, LONG pixels);
 void scrollToStart(Viewer *viewer);
+
+/* WM_MOUSEWHEEL. turn: WHEEL_DELTA for a notch, less for a part of one; above 0 away from the user. */
+void scrollByWheel(Viewer *viewer, int bar, LONG turn);
 
 /* Turns the page clockwise by 90 degrees; what the window shows of it stays about the same. */
 void rotateView(Viewer *viewer);

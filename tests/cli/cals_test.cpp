@@ -101,6 +101,66 @@ TEST(ConvertCals, KeepsTextsAndOrientationOfACalsFile) {
     EXPECT_EQ(changed[10], "notes: SHEET 2");
 }
 
+TEST(ConvertCals, TakesTextsFromRecordsAsOtherProgramsSpellThem) {
+    const BilevelPicture picture = bilevelPicture(45, 23);
+    const WorkFolder folder;
+    Records records = with(with(pictureRecords(picture.counts()), "dstdocid: PLANT 7"), "srcdocid: DRAWING 4711");
+    records = with(with(records, "txtfilid: SPEC-12 \r\n"), "srcgph: FIG 3");
+    folder.put("in.cal", calsFile(records, picture.code()));
+    EXPECT_EQ(folder.run({"convert", "in.cal", "out.cal"}).status, 0U);
+    EXPECT_EQ(recordsIn(folder.get("out.cal")),
+              (Records{"srcdocid: DRAWING 4711", "dstdocis: PLANT 7", "txtfileid: SPEC-12", "figid: NONE",
+                       "scrgph: FIG 3", "doccls: NONE", "rtype: 1", "rorient: 090,270", "rpelcnt: 000045,000023",
+                       "rdensty: 0200", "notes: NONE"}));
+}
+
+TEST(ConvertCals, ATextThatFillsTheRecordOfAShorterNameLosesItsLastCharacter) {
+    const BilevelPicture picture = bilevelPicture(45, 23);
+    const WorkFolder folder;
+    const Records records = with(pictureRecords(picture.counts()), "txtfilid: " + std::string(116, 'x') + "y");
+    folder.put("in.cal", calsFile(with(records, "dstdocid: " + std::string(117, 'z')), picture.code()));
+    EXPECT_EQ(folder.run({"convert", "in.cal", "out.cal"}).status, 0U);
+    const Records written = recordsIn(folder.get("out.cal"));
+    ASSERT_EQ(written.size(), 11U);
+    EXPECT_EQ(written[1], "dstdocis: " + std::string(117, 'z'));
+    EXPECT_EQ(written[2], "txtfileid: " + std::string(116, 'x'));
+    EXPECT_EQ(folder.run({"info", "out.cal"}).status, 0U);
+}
+
+TEST(ConvertCals, TheUsualSpellingAndTheCommandLineGoBeforeTheOtherSpelling) {
+    const BilevelPicture picture = bilevelPicture(45, 23);
+    const WorkFolder folder;
+    Records records = with(with(pictureRecords(picture.counts()), "dstdocid: OTHER"), "dstdocis: USUAL");
+    records = with(with(records, "srcgph: OTHER"), "txtfilid:");
+    folder.put("in.cal", calsFile(records, picture.code()));
+    EXPECT_EQ(folder.run({"convert", "--note", "scrgph=GIVEN", "in.cal", "out.cal"}).status, 0U);
+    const Records written = recordsIn(folder.get("out.cal"));
+    ASSERT_EQ(written.size(), 11U);
+    EXPECT_EQ(written[1], "dstdocis: USUAL");
+    EXPECT_EQ(written[2], "txtfileid: NONE");
+    EXPECT_EQ(written[4], "scrgph: GIVEN");
+}
+
+TEST(ConvertCals, WarnsWhenTheResolutionsDiffer) {
+    const auto converted = [](std::uint32_t horizontal, std::uint32_t vertical) {
+        const WorkFolder folder;
+        tiff::Builder file;
+        std::vector<tiff::Entry> entries = entriesOf({.width = 8, .height = 1, .key = VELLUM_KEY_NONE});
+        entries.push_back(tiff::rationals(282, {horizontal, 1}));
+        entries.push_back(tiff::rationals(283, {vertical, 1}));
+        file.page(entries, {{0x0F}});
+        folder.put("in.tif", file.bytes());
+        const Outcome outcome = folder.run({"convert", "in.tif", "out.cal"});
+        EXPECT_EQ(outcome.out, "out.cal: 8 x 1, 1 bit\n");
+        EXPECT_EQ(outcome.status, 0U);
+        return outcome.err + recordsIn(folder.get("out.cal")).at(9);
+    };
+    EXPECT_EQ(converted(204, 196), "vellum: in.tif: page 1: warning: CALS files hold one resolution: 204 dpi in place "
+                                   "of 196 vertically.\nrdensty: 0204");
+    EXPECT_EQ(converted(300, 300), "rdensty: 0300");
+    EXPECT_EQ(converted(300, 0), "rdensty: 0300");
+}
+
 TEST(ConvertCals, IsKnownByItsContentToo) {
     const BilevelPicture picture = bilevelPicture(45, 23);
     const WorkFolder folder;

@@ -91,6 +91,20 @@ def cells():
     return Page(CELLS, (96, 96), 8, 3, data, [(320, 3, [color[i] * 257 for i in range(3) for color in colors])])
 
 
+def centimetres():
+    """A fax of 4 x 4 cm whose resolution is told in dots per centimetre; its upper left quarter is black."""
+    width, height = 320, 160
+    upper = b"\xff" * (width // 16) + b"\0" * (width // 16)
+    page = Page((width, height), (80, 40), 1, 0, upper * (height // 2) + bytes(width // 8) * (height // 2))
+    return page.change((296, 3, [3]))
+
+
+def endless():
+    """Lines of 32000 inches, a pixel to the inch. The first and the fourth pixel of each are black."""
+    width, height = 32000, 8
+    return Page((width, height), (1, 1), 1, 0, (b"\x90" + bytes(width // 8 - 1)) * height)
+
+
 def three_pages():
     return tiff([quarters(), fax(), cells()])
 
@@ -107,10 +121,10 @@ def pages_with_jpeg():
     return tiff([quarters(), quarters().change((259, 3, [6]), (512, 3, [1]), *tables, *tile), fax()])
 
 
-def cut_off():
-    """One page, of which 100 lines are there."""
+def cut_off(*pages_before):
+    """A file of whose last page 100 lines are there."""
     page = quarters()
-    return tiff([page])[:-len(page.data) + 100 * QUARTERS[0] * 3]
+    return tiff([*pages_before, page])[:-len(page.data) + 100 * QUARTERS[0] * 3]
 
 
 def drawing():
@@ -125,3 +139,9 @@ def drawing():
                "rtype: 1", "rorient: 000,270", "rpelcnt: %06d,%06d" % DRAWING, "rdensty: 0048", "notes: a drawing"]
     header = b"".join(record.encode().ljust(128) for record in records).ljust(2048)
     return header + int(bits, 2).to_bytes(len(bits) // 8, "big")
+
+
+def drawing_cut_off():
+    """The same with half of its code."""
+    whole = drawing()
+    return whole[:(2048 + len(whole)) // 2]

@@ -8,6 +8,9 @@
 //   area CLASS             the place of a dialog (#32770) or an open menu (#32768) on the screen (x y width height)
 //   dialog [ID]            the caption of a dialog or message box, or the text of one of its controls
 //   clipboard X Y X Y ...  size of the clipboard's bitmap, and its colours at these places
+//   hold, release          keeps the clipboard open, so that nobody else can open it
+//   lines COUNT            how many lines a notch of the wheel is to scroll; -1 for a screenful
+//   wheel TURN [shift]     as if the wheel had been turned by so many parts of a notch, of which there are 120
 //   drop PATH              as if the file had been dropped on the window
 //   paint                  marks all of the window as to be painted
 //   close                  as the system's "Close"
@@ -124,6 +127,25 @@ std::string clipboard(std::istream &places) {
     return colors;
 }
 
+// For a window: Wine lets several programs that name none open the clipboard at the same time.
+bool hold() {
+    static const HWND holder = CreateWindowA("STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    return OpenClipboard(holder) != 0;
+}
+
+bool turnWheel(std::istream &words) {
+    int turn = 0;
+    std::string key;
+    words >> turn >> key;
+    return PostMessageA(viewer(), WM_MOUSEWHEEL, MAKEWPARAM(key == "shift" ? MK_SHIFT : 0, turn), 0) != 0;
+}
+
+bool setLines(std::istream &words) {
+    int lines = 0;
+    words >> lines;
+    return SystemParametersInfoA(SPI_SETWHEELSCROLLLINES, static_cast<UINT>(lines), nullptr, 0) != 0;
+}
+
 // The record lies in memory of the viewer's, as the system would put it there.
 std::string drop(const std::string &path) {
     DWORD process = 0;
@@ -148,6 +170,15 @@ std::string answer(const std::string &line) {
     if (command == "dialog") {
         return dialog(words);
     }
+    if (command == "hold") {
+        return hold() ? "done" : kNone;
+    }
+    if (command == "release") {
+        return CloseClipboard() ? "done" : kNone;
+    }
+    if (command == "lines") {
+        return setLines(words) ? "done" : kNone;
+    }
     if (viewer() == nullptr) {
         return kNone;
     }
@@ -170,6 +201,9 @@ std::string answer(const std::string &line) {
         std::string path;
         std::getline(words, path);
         return drop(path);
+    }
+    if (command == "wheel") {
+        return turnWheel(words) ? "done" : kNone;
     }
     if (command == "paint") {
         return InvalidateRect(viewer(), nullptr, FALSE) ? "done" : kNone;

@@ -6,18 +6,16 @@
 import argparse
 import os
 import shutil
-import subprocess
 import sys
 import unittest
 
 sys.dont_write_bytecode = True
 
 import made_pages
-from driven_viewer import Probe, Screen, Viewer, Wine
+from driven_viewer import Probe, Screen, Wine
 from made_pages import BLACK, BLUE, CELL, GREEN, RED, WHITE, YELLOW, cell_color
+from viewer_case import BACKGROUND, LABEL, ViewerTest, windows_path
 
-BACKGROUND = (128, 128, 128)
-LABEL = (255, 255, 255)  # behind a message in the window
 CYAN = (0, 255, 255)
 
 
@@ -25,50 +23,6 @@ def corner(column, row, x, y):
     """The four pixels around the place (x, y), where the upper left corner of a cell of page 3 is to be."""
     return {(x, y): cell_color(column, row), (x - 1, y): cell_color(column - 1, row),
             (x, y - 1): cell_color(column, row - 1), (x - 1, y - 1): cell_color(column - 1, row - 1)}
-
-
-class ViewerTest(unittest.TestCase):
-    screen = wine = probe = options = None
-
-    def start(self, *words):
-        viewer = Viewer(self.screen, self.wine, self.probe, self.options.viewer, *words,
-                        picture=os.path.join(self.options.work, self._testMethodName + ".png"))
-        self.addCleanup(lambda: self.assertEqual(viewer.close(), 0))
-        viewer.place()
-        return viewer
-
-    def file(self, name, content):
-        path = os.path.join(self.options.work, name)
-        with open(path, "wb") as file:
-            file.write(content)
-        return path
-
-    def open(self, content=None, name="pages.tif"):
-        """Starts a viewer with a file on its command line."""
-        return self.start(windows_path(self.file(name, content or made_pages.three_pages())))
-
-    def save_as(self, viewer, path):
-        viewer.press("ctrl+s")
-        viewer.has_dialog("Save As")
-        viewer.type(windows_path(path))
-        viewer.press("Return")
-
-    def save(self, viewer, path, downs):
-        """Saves with the compression that is so many arrow keys away from the first one."""
-        self.save_as(viewer, path)
-        viewer.until(lambda: (viewer.dialog() or "").startswith("Saving"), "the save dialog")
-        viewer.press(*["Down"] * downs, "Return")
-        viewer.has_no_dialog()
-        viewer.until(lambda: os.path.exists(path), "the file")
-
-    def same_pixels(self, path, page, data, compression):
-        """libtiff's judgement of a page that was saved."""
-        said = subprocess.run(["tiffinfo", "-%d" % page, path], capture_output=True, text=True, check=True).stdout
-        self.assertIn("Compression Scheme: " + compression, said)
-        plain = os.path.join(self.options.work, "plain.tif")
-        subprocess.run(["tiffcp", "-c", "none", "-r", "100000", "%s,%d" % (path, page), plain], check=True)
-        with open(plain, "rb") as file:
-            self.assertIn(data, file.read())
 
 
 class Opening(ViewerTest):
@@ -131,12 +85,36 @@ class Opening(ViewerTest):
         viewer.probe.ask("drop", windows_path(path))
         viewer.has_dialog("Viewer")
         self.assertIn("text.tif", viewer.dialog(0xFFFF))
-        self.assertIn("Invalid byte order.", viewer.dialog(0xFFFF))
+        self.assertIn("The file is neither a TIFF nor a CALS raster file.", viewer.dialog(0xFFFF))
         viewer.press("Return")
         viewer.has_no_dialog()
         viewer.shows({(10, 10): BLACK, (470, 470): WHITE})
         viewer.press("Next")
         viewer.has_caption("pages.tif - page 3 of 3 - Viewer")
+
+    def test_what_is_wrong_with_a_file_is_told_for_its_kind(self):
+        bad_header = made_pages.drawing().replace(b"rtype: 1", b"rtype: 2")
+        viewer = self.start()
+        for name, content, message in (("drawing.dat", bad_header, "File has not a valid CALS format."),
+                                       ("short.cal", b"rtype: 1", "File has not a valid CALS format."),
+                                       ("intel.tif", b"II*\0\xff\xff\xff\x7f", "General I/O error"),
+                                       ("motorola.dat", b"MM and no TIFF", "File has not a valid TIFF format."),
+                                       ("blank.dat", bytes(4096), "The file is neither a TIFF nor a CALS"),
+                                       ("empty.tif", b"", "The file is neither a TIFF nor a CALS")):
+            viewer.probe.ask("drop", windows_path(self.file(name, content)))
+            viewer.has_dialog("Viewer")
+            self.assertIn(name, viewer.dialog(0xFFFF))
+            self.assertIn(message, viewer.dialog(0xFFFF))
+            viewer.press("Return")
+            viewer.has_no_dialog()
+        viewer.has_caption("Viewer")
+
+    def test_a_file_that_has_become_one_of_another_kind_is_not_painted(self):
+        viewer = self.open(made_pages.drawing(), "changing.cal")
+        viewer.shows({(10, 10): BLACK, (630, 470): WHITE})
+        self.file("changing.cal", made_pages.three_pages())
+        viewer.probe.ask("paint")
+        viewer.shows({(320, 228): LABEL, (10, 10): BLACK, (630, 470): WHITE})
 
 
 class CalsFiles(ViewerTest):
@@ -159,6 +137,25 @@ class CalsFiles(ViewerTest):
         viewer.until(lambda: viewer.probe.ask("clipboard") == "128 96", "the drawing on the clipboard")
         self.assertEqual(viewer.probe.ask("clipboard", 63, 47, 64, 47, 63, 48),
                          "128 96 0 0 0 255 255 255 255 255 255")
+
+    def test_that_the_clipboard_is_in_use_is_told_of_a_damaged_page_too(self):
+        viewer = self.open(made_pages.drawing_cut_off(), "cut.cal")
+        self.assertEqual(viewer.probe.ask("hold"), "done")
+        self.addCleanup(viewer.probe.ask, "release")
+        viewer.press("ctrl+c")
+        viewer.has_dialog("CALS warning")
+        viewer.press("Return")
+        viewer.has_dialog("Viewer")
+        self.assertIn("The clipboard could not be opened.", viewer.dialog(0xFFFF))
+        viewer.press("Return")
+        viewer.has_no_dialog()
+        viewer.probe.ask("drop", windows_path(self.file("cut.tif", made_pages.cut_off())))
+        viewer.has_caption("cut.tif - page 1 of 1 - Viewer")
+        viewer.press("ctrl+c")
+        viewer.has_dialog("Viewer")
+        self.assertIn("The clipboard could not be opened.", viewer.dialog(0xFFFF))
+        viewer.press("Return")
+        viewer.has_no_dialog()
 
     def test_the_information_about_a_cals_file_is_its_header(self):
         viewer = self.open(made_pages.drawing(), "drawing.cal")
@@ -267,6 +264,23 @@ class Sizes(ViewerTest):
         viewer.press("ctrl+0")
         viewer.shows({(238, 238): BLACK, (478, 478): WHITE, (481, 10): BACKGROUND})
 
+    def test_dots_per_centimetre_are_taken_for_what_they_are(self):
+        viewer = self.open(made_pages.tiff([made_pages.centimetres(), made_pages.fax()]))
+        viewer.shows({(238, 238): BLACK, (241, 238): WHITE, (238, 241): WHITE, (478, 478): WHITE,
+                      (481, 10): BACKGROUND, (481, 470): BACKGROUND})
+        # 4 cm are 151 pixels of 96 to the inch.
+        viewer.press("ctrl+2")
+        viewer.shows({(74, 74): BLACK, (77, 74): WHITE, (74, 77): WHITE, (150, 150): WHITE, (151, 150): BACKGROUND,
+                      (150, 151): BACKGROUND})
+        self.assertEqual(viewer.state()[6:8], [0, 0])
+        viewer.press("ctrl+r")
+        viewer.shows({(150, 0): BLACK, (77, 74): BLACK, (74, 74): WHITE, (150, 150): WHITE, (151, 150): BACKGROUND})
+        viewer.press("ctrl+1", "ctrl+r", "ctrl+r", "ctrl+r")
+        viewer.shows({(159, 79): BLACK, (160, 79): WHITE, (159, 80): WHITE, (319, 159): WHITE, (320, 159): BACKGROUND,
+                      (319, 160): BACKGROUND})
+        viewer.press("ctrl+2", "Next")
+        viewer.shows({(190, 190): BLACK, (193, 190): WHITE, (383, 383): WHITE, (384, 383): BACKGROUND})
+
     def test_scroll_bars_come_and_go(self):
         viewer = self.open()
         viewer.press("End", "ctrl+1")
@@ -338,6 +352,42 @@ class Scrolling(ViewerTest):
         self.viewer.click(300, 200, 4, holding="shift")
         self.viewer.shows(corner(1, 1, *CELL))
 
+    def test_parts_of_a_notch_of_the_wheel_add_up(self):
+        self.addCleanup(self.viewer.probe.ask, "lines", 3)
+        self.viewer.probe.ask("lines", 1)
+        for _ in range(12):
+            self.viewer.probe.ask("wheel", -10)
+        self.viewer.shows(corner(1, 1, 200, 110))
+        for _ in range(6):
+            self.viewer.probe.ask("wheel", -20, "shift")
+        self.viewer.shows(corner(1, 1, 160, 110))
+        for _ in range(24):
+            self.viewer.probe.ask("wheel", 5)
+        self.viewer.shows(corner(1, 1, 160, 150))
+
+    def test_the_wheel_scrolls_by_screenfuls_when_the_user_wants_that(self):
+        self.addCleanup(self.viewer.probe.ask, "lines", 3)
+        self.viewer.probe.ask("lines", -1)
+        height = self.viewer.state()[3]
+        for _ in range(4):
+            self.viewer.probe.ask("wheel", -30)
+        # What was 40 pixels above the lower edge is at the upper one.
+        row, hidden = divmod(height - 40, CELL[1])
+        self.viewer.shows({(10, 0): cell_color(0, row), (10, CELL[1] - hidden): cell_color(0, row + 1)})
+
+    def test_arrow_keys_move_a_page_of_any_size(self):
+        viewer = self.viewer
+        viewer.probe.ask("drop", windows_path(self.file("endless.tif", made_pages.tiff([made_pages.endless()]))))
+        viewer.has_caption("endless.tif - page 1 of 1 - Viewer")
+        viewer.press("ctrl+2")
+        viewer.shows({(10, 10): BLACK, (106, 10): WHITE, (202, 10): WHITE, (298, 10): BLACK})
+        viewer.press("Right")
+        viewer.shows({(10, 10): WHITE, (106, 10): WHITE, (202, 10): BLACK, (298, 10): WHITE})
+        viewer.press("Right")
+        viewer.shows({(10, 10): WHITE, (106, 10): BLACK, (202, 10): WHITE, (298, 10): WHITE})
+        viewer.press("Left", "Left")
+        viewer.shows({(10, 10): BLACK, (106, 10): WHITE, (202, 10): WHITE, (298, 10): BLACK})
+
     def test_the_arrows_of_the_scroll_bars(self):
         _, _, width, height = self.viewer.state()[:4]
         self.viewer.click(width + 8, height - 8)
@@ -387,6 +437,17 @@ class TakingPages(ViewerTest):
         self.assertEqual(viewer.probe.ask("clipboard", 407, 195, 408, 195, 407, 196),
                          "816 392 0 0 0 255 255 255 255 255 255")
 
+    def test_copy_takes_what_there_is_of_a_page_that_ends_early(self):
+        viewer = self.open(made_pages.cut_off(made_pages.fax()))
+        viewer.press("ctrl+c")
+        viewer.until(lambda: viewer.probe.ask("clipboard") == "816 392", "the fax on the clipboard")
+        viewer.press("Next", "ctrl+c")
+        viewer.until(lambda: viewer.probe.ask("clipboard", 0, 0, 399, 99) == "400 300 255 0 0 0 255 0",
+                     "the beginning of the page on the clipboard")
+        viewer.press("Prior")
+        viewer.has_caption("pages.tif - page 1 of 2 - Viewer")
+        self.assertIsNone(viewer.dialog())
+
     def test_save_as_writes_the_page_in_the_chosen_compression(self):
         path = os.path.join(self.options.work, "saved.tif")
         viewer = self.open()
@@ -409,6 +470,13 @@ class TakingPages(ViewerTest):
         viewer.shows({(10, 10): RED})
         self.same_pixels(path, 1, made_pages.fax().data, "None")
 
+    def test_a_page_in_dots_per_centimetre_is_saved_with_its_resolution(self):
+        path = os.path.join(self.options.work, "centimetres saved.tif")
+        viewer = self.open(made_pages.tiff([made_pages.centimetres()]))
+        self.save(viewer, path, 0)
+        told = self.same_pixels(path, 0, made_pages.centimetres().data, "None")
+        self.assertIn("Resolution: 203, 101 pixels/inch", told)
+
     def test_a_save_that_is_cancelled_writes_nothing(self):
         path = os.path.join(self.options.work, "cancelled.tif")
         viewer = self.open()
@@ -422,10 +490,6 @@ class TakingPages(ViewerTest):
         viewer.press("Next")
         viewer.has_caption("pages.tif - page 2 of 3 - Viewer")
         self.assertFalse(os.path.exists(path))
-
-
-def windows_path(path):
-    return "Z:" + path.replace("/", "\\")
 
 
 def main():
