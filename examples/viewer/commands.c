@@ -17,21 +17,21 @@ static int showMessage(const Viewer *viewer, const char *path, const char *text,
     return MessageBoxA(viewer->window, message, PROGRAM_NAME, style);
 }
 
-/* The message of the pending error, or `otherwise` when none is pending. */
-static void report(const Viewer *viewer, const char *path, const char *otherwise) {
+void report(const Viewer *viewer, const char *path, const char *otherwise) {
     char message[64];
     const DWORD error = TiffError();
     showMessage(viewer, path, error == VELLUM_OK ? otherwise : TiffErrorString(message, error),
                 MB_OK | MB_ICONEXCLAMATION);
 }
 
-static BOOL agrees(const Viewer *viewer, const char *path, const char *question) {
+BOOL agrees(const Viewer *viewer, const char *path, const char *question) {
     return showMessage(viewer, path, question, MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 /* ---------------------------------------------------------------- files ------------------------------------------- */
 
 void openFile(Viewer *viewer, const char *path) {
+    setPlacing(viewer, FALSE);
     if (!openDocument(&viewer->document, path)) {
         report(viewer, path, "The file is neither a TIFF nor a CALS raster file.");
         return;
@@ -81,16 +81,34 @@ static BOOL saveByDialog(const Viewer *viewer, const char *path, HGLOBAL dib) {
     return saved;
 }
 
-/* The page as the file has it: neither turned nor inverted. A file that is there gets one page more. */
+/* A file that is there gets one page more, if the user agrees. */
+static BOOL askForNewPage(const Viewer *viewer, char *path) {
+    OPENFILENAMEA dialog = fileDialog(viewer, path, kWritable, OFN_PATHMUSTEXIST);
+    return GetSaveFileNameA(&dialog) && (GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES ||
+                                         agrees(viewer, path, "The file is there already. Add the page to it?"));
+}
+
+static void saveDib(Viewer *viewer, const char *path, HGLOBAL dib) {
+    SetTiffError(VELLUM_OK);
+    if (!saveByDialog(viewer, path, dib) && TiffError() != VELLUM_OK) { /* no error: the user cancelled */
+        report(viewer, path, "The page could not be saved.");
+    }
+    goToPage(&viewer->document, viewer->document.page); /* it may have been added to the file that is shown */
+    updateFrame(viewer);
+}
+
+void saveAs(Viewer *viewer, HGLOBAL dib) {
+    char path[MAX_PATH];
+    if (askForNewPage(viewer, path)) {
+        saveDib(viewer, path, dib);
+    }
+}
+
+/* The page as the file has it: neither turned nor inverted. */
 static void savePage(Viewer *viewer) {
     char path[MAX_PATH];
-    OPENFILENAMEA dialog = fileDialog(viewer, path, kWritable, OFN_PATHMUSTEXIST);
     HGLOBAL dib;
-    if (!GetSaveFileNameA(&dialog)) {
-        return;
-    }
-    if (GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES &&
-        !agrees(viewer, path, "The file is there already. Add the page to it?")) {
+    if (!askForNewPage(viewer, path)) {
         return;
     }
     dib = loadPage(&viewer->document);
@@ -100,13 +118,9 @@ static void savePage(Viewer *viewer) {
     }
     /* A page whose data end early comes as far as it goes, with the error pending. */
     if (TiffError() == VELLUM_OK || agrees(viewer, viewer->document.path, "The page is damaged. Save what there is?")) {
-        if (!saveByDialog(viewer, path, dib) && TiffError() != VELLUM_OK) { /* no error: the user cancelled */
-            report(viewer, path, "The page could not be saved.");
-        }
+        saveDib(viewer, path, dib);
     }
     GlobalFree(dib);
-    goToPage(&viewer->document, viewer->document.page); /* it may have been added to the file that is shown */
-    updateFrame(viewer);
 }
 
 /* ---------------------------------------------------------------- pages ------------------------------------------- */
@@ -154,6 +168,9 @@ static void runPageCommand(Viewer *viewer, UINT command) {
             report(viewer, viewer->document.path, "The clipboard could not be opened.");
         }
         break;
+    case IDM_PLACE_NOTE:
+        setPlacing(viewer, canHaveNote(viewer));
+        break;
     case IDM_NEXT_PAGE:
         showPage(viewer, page + 1);
         break;
@@ -168,6 +185,7 @@ static void runPageCommand(Viewer *viewer, UINT command) {
         break;
     case IDM_ROTATE:
         rotateView(viewer);
+        updateFrame(viewer);
         break;
     case IDM_INVERT:
         invert(viewer);
@@ -178,6 +196,7 @@ static void runPageCommand(Viewer *viewer, UINT command) {
 }
 
 void runCommand(Viewer *viewer, UINT command) {
+    setPlacing(viewer, FALSE);
     switch (command) {
     case IDM_OPEN:
         openByDialog(viewer);
@@ -217,6 +236,7 @@ void updateFrame(const Viewer *viewer) {
     enable(menu, IDM_SAVE_PAGE, any);
     enable(menu, IDM_INFORMATION, any);
     enable(menu, IDM_COPY, any);
+    enable(menu, IDM_PLACE_NOTE, canHaveNote(viewer));
     enable(menu, IDM_NEXT_PAGE, behind);
     enable(menu, IDM_LAST_PAGE, behind);
     enable(menu, IDM_PREVIOUS_PAGE, before);

@@ -28,6 +28,9 @@ static void handleKey(Viewer *viewer, WPARAM key) {
     case VK_DOWN:
         scrollPixels(viewer, SB_VERT, SCROLL_LINE);
         break;
+    case VK_ESCAPE:
+        setPlacing(viewer, FALSE);
+        break;
     default:
         break;
     }
@@ -36,6 +39,20 @@ static void handleKey(Viewer *viewer, WPARAM key) {
 static void handleWheel(Viewer *viewer, WPARAM wParam) {
     const int bar = (GET_KEYSTATE_WPARAM(wParam) & MK_SHIFT) != 0 ? SB_HORZ : SB_VERT;
     scrollByWheel(viewer, bar, GET_WHEEL_DELTA_WPARAM(wParam));
+}
+
+static void handleClick(Viewer *viewer, LPARAM where) {
+    const POINT point = {(short)LOWORD(where), (short)HIWORD(where)};
+    placeNote(viewer, point);
+}
+
+/* Over the client area there is a cross while a click places a note, else the cursor of the window's class. */
+static LRESULT handleCursor(const Viewer *viewer, WPARAM wParam, LPARAM lParam) {
+    if (!viewer->placing || LOWORD(lParam) != HTCLIENT) {
+        return DefWindowProcA(viewer->window, WM_SETCURSOR, wParam, lParam);
+    }
+    SetCursor(LoadCursorA(NULL, (LPCSTR)IDC_CROSS));
+    return TRUE;
 }
 
 static void handleDrop(Viewer *viewer, HDROP drop) {
@@ -85,6 +102,11 @@ static LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam
     case WM_KEYDOWN:
         handleKey(viewer, wParam);
         return 0;
+    case WM_LBUTTONUP:
+        handleClick(viewer, lParam);
+        return 0;
+    case WM_SETCURSOR:
+        return handleCursor(viewer, wParam, lParam);
     case WM_COMMAND:
         runCommand(viewer, LOWORD(wParam));
         return 0;

@@ -8,6 +8,7 @@
 #define IDM_EXIT 103
 
 #define IDM_COPY 200
+#define IDM_PLACE_NOTE 201
 
 #define IDM_NEXT_PAGE 300
 #define IDM_PREVIOUS_PAGE 301

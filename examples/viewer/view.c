@@ -31,6 +31,20 @@ static Placement currentPlacement(const Viewer *viewer) {
     return placePage(&viewer->document.pageSize, &viewer->view, &client, &dotsPerInch);
 }
 
+/* What lies left of the window, or above it, rounded as the painter does it. */
+static LONG scrolledAway(HWND window, int bar, LONG length, LONG room) {
+    return length > room ? MulDiv(GetScrollPos(window, bar), length - room, SCROLL_RANGE) : 0;
+}
+
+RECT pageOnScreen(const Viewer *viewer) {
+    const SIZE client = clientSize(viewer->window);
+    const SIZE size = currentPlacement(viewer).size;
+    RECT page = {0, 0, size.cx, size.cy};
+    OffsetRect(&page, -scrolledAway(viewer->window, SB_HORZ, size.cx, client.cx),
+               -scrolledAway(viewer->window, SB_VERT, size.cy, client.cy));
+    return page;
+}
+
 /* ---------------------------------------------------------------- painting ---------------------------------------- */
 
 /* Writes a text into the middle of the window, on a background of its own. */
@@ -64,12 +78,16 @@ static void paintNothing(Viewer *viewer, HDC dc) {
 static DWORD paintPage(Viewer *viewer, HDC dc) {
     const Document *document = &viewer->document;
     const Placement placement = currentPlacement(viewer);
-    DWORD painted;
+    DWORD painted, error;
+    SaveDC(dc); /* the painter may leave a mapping mode of its own behind */
     viewer->view.painting = TRUE;
     painted = DecompressToScreen(document->kind, viewer->window, dc, document->path, document->page, placement.ratios,
                                  placement.flags);
     viewer->view.painting = FALSE;
-    return painted ? VELLUM_OK : TiffError();
+    error = painted ? VELLUM_OK : TiffError();
+    RestoreDC(dc, -1);
+    paintNote(viewer, dc);
+    return error;
 }
 
 void paintView(Viewer *viewer) {

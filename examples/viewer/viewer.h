@@ -1,8 +1,9 @@
 /*
  * An example of a program that shows pages with VELLUM32.DLL. What it keeps, and what its files do:
- *   document.c   the file and its page; the only one that asks the library about files
+ *   document.c   the file and its page; the only one that asks the library about files, but for notes
  *   placement.c  how large the page becomes on the screen, and how to tell the painter so
  *   view.c       painting and scrolling
+ *   notes.c      a note on a page: shown, written, kept
  *   commands.c   what the menu does
  *   main.c       the window and its messages
  */
@@ -85,6 +86,7 @@ typedef struct Viewer {
     HWND window;
     Document document;
     View view;
+    BOOL placing;      /* the next click places a note */
     LONG wheelRest[2]; /* by SB_HORZ and SB_VERT: what the wheel has not scrolled yet, in WHEEL_DELTA-ths of a pixel */
 } Viewer;
 
@@ -110,10 +112,36 @@ void rotateView(Viewer *viewer);
 /* The distance of an arrow key or an arrow of a scroll bar, in pixels. */
 #define SCROLL_LINE 40
 
+/* Where the page lies in the client area, as far as it is scrolled; upright. Also beyond what the window shows. */
+RECT pageOnScreen(const Viewer *viewer);
+
+/* ---------------------------------------------------------------- notes.c ----------------------------------------- */
+
+/* Whether notes on the page are shown, and can be placed. */
+BOOL canHaveNote(const Viewer *viewer);
+
+/* Draws the note of the page, if it has one, over the page. */
+void paintNote(const Viewer *viewer, HDC dc);
+
+/* The mode in which a click places a note, and its cursor. */
+void setPlacing(Viewer *viewer, BOOL placing);
+
+/* A click at a point of the client area: in that mode, opens the library's dialog for notes. */
+void placeNote(Viewer *viewer, POINT click);
+
 /* ---------------------------------------------------------------- commands.c -------------------------------------- */
 
 /* Shows a file; says so when it cannot, and leaves what is shown. */
 void openFile(Viewer *viewer, const char *path);
+
+/* Asks for a file, and saves a picture in it. */
+void saveAs(Viewer *viewer, HGLOBAL dib);
+
+/* Tells the user the message of the pending error, or `otherwise` when none is pending. */
+void report(const Viewer *viewer, const char *path, const char *otherwise);
+
+/* Asks the user a question about a file. */
+BOOL agrees(const Viewer *viewer, const char *path, const char *question);
 
 /* Does what a menu item is for. */
 void runCommand(Viewer *viewer, UINT command);

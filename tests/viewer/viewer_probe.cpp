@@ -3,6 +3,7 @@
 //   state                  client area on the screen (x y width height), scroll positions, whether the bars are shown,
 //                          and how thick they are
 //   caption
+//   cursor                 a number for the cursor that the active program has set
 //   foreground             the caption of the window that is active
 //   place WIDTH HEIGHT     the window in the screen's corner, with so much room when there are no scroll bars
 //   area CLASS             the place of a dialog (#32770) or an open menu (#32768) on the screen (x y width height)
@@ -54,6 +55,15 @@ std::string state() {
     out << corner.x << ' ' << corner.y << ' ' << area.right << ' ' << area.bottom << ' '
         << GetScrollPos(viewer(), SB_HORZ) << ' ' << GetScrollPos(viewer(), SB_VERT) << ' '
         << ((style & WS_HSCROLL) != 0) << ' ' << ((style & WS_VSCROLL) != 0) << ' ' << GetSystemMetrics(SM_CXVSCROLL);
+    return out.str();
+}
+
+// Of another program's cursor no more can be asked than whether it is the same as before.
+std::string cursor() {
+    CURSORINFO pointer{};
+    pointer.cbSize = sizeof pointer;
+    std::ostringstream out;
+    out << (GetCursorInfo(&pointer) ? reinterpret_cast<ULONG_PTR>(pointer.hCursor) : 0);
     return out.str();
 }
 
@@ -178,6 +188,9 @@ std::string answer(const std::string &line) {
     }
     if (command == "lines") {
         return setLines(words) ? "done" : kNone;
+    }
+    if (command == "cursor") {
+        return cursor();
     }
     if (viewer() == nullptr) {
         return kNone;

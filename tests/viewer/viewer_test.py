@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """The example viewer as its user sees it. Pictures of the screen are kept in the work folder when a test fails.
 
-  viewer_test.py --launcher scripts/wine --viewer viewer.exe --probe viewer_probe.exe --work FOLDER [TEST...]
+  viewer_test.py --launcher scripts/wine --viewer viewer.exe --probe viewer_probe.exe --vellum vellum.exe --work FOLDER
+                 [TEST...]
 """
 import argparse
 import os
@@ -14,6 +15,7 @@ sys.dont_write_bytecode = True
 import made_pages
 from driven_viewer import Probe, Screen, Wine
 from made_pages import BLACK, BLUE, CELL, GREEN, RED, WHITE, YELLOW, cell_color
+from note_cases import Notes  # its tests are run with these
 from viewer_case import BACKGROUND, LABEL, ViewerTest, windows_path
 
 CYAN = (0, 255, 255)
@@ -494,7 +496,7 @@ class TakingPages(ViewerTest):
 
 def main():
     parser = argparse.ArgumentParser()
-    for name in ("launcher", "viewer", "probe", "work"):
+    for name in ("launcher", "viewer", "probe", "vellum", "work"):
         parser.add_argument("--" + name, required=True, type=os.path.abspath)
     options, names = parser.parse_known_args()
     shutil.rmtree(options.work, ignore_errors=True)
