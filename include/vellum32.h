@@ -1160,10 +1160,11 @@ DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
 /* What it tells of its work. */
 #define VELLUM_FAX_COMPLETE 0      /* the whole text is on the pages */
 #define VELLUM_FAX_NOTHING_TO_DO 1 /* no record, no array for the pages, or a page limit of 0 */
-#define VELLUM_FAX_PAGE_LIMIT 2 /* there was no room for another page, which the rest of the text, or nothing, is on   \
-                                 */
-#define VELLUM_FAX_NO_TEXT 3    /* the text file could not be opened */
-#define VELLUM_FAX_NO_MEMORY 4  /* a page, its DIB or the memory device context could not be made */
+#define VELLUM_FAX_PAGE_LIMIT                                                                                          \
+    2                          /* there was no room for another page, which the rest of the text, or nothing, is on    \
+                                */
+#define VELLUM_FAX_NO_TEXT 3   /* the text file could not be opened */
+#define VELLUM_FAX_NO_MEMORY 4 /* a page, its DIB or the memory device context could not be made */
 
 /*
  * Draws a text file on pages, black on white, 1 bit per pixel.
@@ -1224,8 +1225,9 @@ HBITMAP VELLUMAPI BitmapTextOverlay(HBITMAP bitmap, LONG x, LONG y, const char *
 
 /*
  * The same of a packed DIB (1, 4, 8, 16, 24 or 32 bits per pixel, uncompressed, bottom-up), by its own resolution. The
- * text has the nearest colour to black that the DIB's colour table has. Result: a new DIB of the same depth, colours
- * and resolution (dots per inch being a whole number), or NULL.
+ * text has the nearest colour to black that the DIB's colour table has.
+ * Result: a new DIB of the same depth and colours, or NULL. Its resolution is the old one cut to whole dots per inch,
+ * and their pixels per metre cut to a whole number: set the fields again where that matters.
  */
 HGLOBAL VELLUMAPI DIBTextOverlay(HGLOBAL dib, LONG x, LONG y, const char *text, const char *face, DWORD points);
 
