@@ -85,12 +85,21 @@ SIZE measureNoteText(HDC dc, std::string_view text) {
     return size;
 }
 
+// A note out of a file may claim to be as high as it likes, and have a line for every pixel of that: lines that the
+// device context does not show cost no call.
 void drawNoteLines(HDC dc, std::string_view text, std::size_t mostCharacters, const RECT &area) {
     const LONG height = std::max(lineHeightOf(dc), LONG{1});
+    RECT shown = area;
+    if (RECT clip{}; GetClipBox(dc, &clip) != ERROR) {
+        shown.top = std::max(area.top, clip.top);
+        shown.bottom = std::min(area.bottom, clip.bottom);
+    }
     TextLines lines(text);
     TextLine line;
-    for (LONG y = area.top; y < area.bottom && lines.next(line); y += height) {
-        drawTextLine(dc, area.left, y, line.text.substr(0, mostCharacters), &area);
+    for (LONG y = area.top; y < shown.bottom && lines.next(line); y += height) {
+        if (y + height > shown.top) {
+            drawTextLine(dc, area.left, y, line.text.substr(0, mostCharacters), &area);
+        }
     }
 }
 

@@ -1160,9 +1160,11 @@ DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
 /* What it tells of its work. */
 #define VELLUM_FAX_COMPLETE 0      /* the whole text is on the pages */
 #define VELLUM_FAX_NOTHING_TO_DO 1 /* no record, no array for the pages, or a page limit of 0 */
-#define VELLUM_FAX_PAGE_LIMIT 2    /* the text goes on behind the last page that there was room for */
-#define VELLUM_FAX_NO_TEXT 3       /* the text file could not be opened */
-#define VELLUM_FAX_NO_MEMORY 4     /* a page, its DIB or the memory device context could not be made */
+#define VELLUM_FAX_PAGE_LIMIT                                                                                          \
+    2                          /* there was no room for another page, which the rest of the text, or nothing, is on    \
+                                */
+#define VELLUM_FAX_NO_TEXT 3   /* the text file could not be opened */
+#define VELLUM_FAX_NO_MEMORY 4 /* a page, its DIB or the memory device context could not be made */
 
 /*
  * Draws a text file on pages, black on white, 1 bit per pixel.
@@ -1171,15 +1173,19 @@ DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
  *   pages     receives the pages, which belong to the caller then; entries behind the last page stay as they are
  *   kind      VELLUM_FAX_BITMAPS or VELLUM_FAX_DIBS
  *   bitmap    NULL, or a bitmap to draw the first page on, as it is and with a transparent background. It must not be
- *             selected into a device context, and stays the caller's in any case. With VELLUM_FAX_BITMAPS it is
- * pages[0], and the other pages are the library's. With VELLUM_FAX_DIBS pages[0] is a DIB of it (of its depth, or of 24
- * bits per pixel where that is not 1, 4 or 8), and all other pages are drawn on it in turn, cleared. status    NULL, or
- * receives VELLUM_FAX_COMPLETE ... A carriage return, with the byte behind it, ends a line; a tab leads to the next of
- * the tab stops, unless that has been passed already; all other bytes below 32 are left out, line feeds and form feeds
- * too. A line that reaches the right margin goes on below, behind its last blank or ! , - . : ; ? if it has one. A page
- * is full when the next line would begin in the bottom margin: a text that fills its page to the last line and ends
- * that line has one more page. DIBs have the record's resolutions. Result: the number of pages. The error number is not
- * touched.
+ *             selected into a device context, and stays the caller's in any case
+ *   status    NULL, or receives VELLUM_FAX_COMPLETE ...
+ * Result: the number of pages. The error number is not touched.
+ *
+ * With a bitmap and VELLUM_FAX_BITMAPS, it is pages[0], and the other pages are the library's. With VELLUM_FAX_DIBS
+ * pages[0] is a DIB of it (of its depth, or of 24 bits per pixel where that is not 1, 4 or 8), and all other pages are
+ * drawn on it in turn, cleared.
+ *
+ * A carriage return, with the byte behind it, ends a line; a tab leads to the next of the tab stops, unless that has
+ * been passed already; all other bytes below 32 are left out, line feeds and form feeds too. A line that reaches the
+ * right margin goes on below, behind its last blank or ! , - . : ; ? if it has one. A page is full when the next line
+ * would begin in the bottom margin: a text that fills its page to the last line and ends that line has one more page.
+ * DIBs have the record's resolutions.
  */
 DWORD VELLUMAPI CreateFaxPageFromASCII(const FaxPageParams *params, DWORD maxPages, HANDLE *pages, DWORD kind,
                                        HBITMAP bitmap, DWORD *status);
@@ -1219,8 +1225,9 @@ HBITMAP VELLUMAPI BitmapTextOverlay(HBITMAP bitmap, LONG x, LONG y, const char *
 
 /*
  * The same of a packed DIB (1, 4, 8, 16, 24 or 32 bits per pixel, uncompressed, bottom-up), by its own resolution. The
- * text has the nearest colour to black that the DIB's colour table has. Result: a new DIB of the same depth, colours
- * and resolution (dots per inch being a whole number), or NULL.
+ * text has the nearest colour to black that the DIB's colour table has.
+ * Result: a new DIB of the same depth and colours, or NULL. Its resolution is the old one cut to whole dots per inch,
+ * and their pixels per metre cut to a whole number: set the fields again where that matters.
  */
 HGLOBAL VELLUMAPI DIBTextOverlay(HGLOBAL dib, LONG x, LONG y, const char *text, const char *face, DWORD points);
 
