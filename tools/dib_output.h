@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tool {
 
@@ -27,6 +28,7 @@ public:
 
     explicit operator bool() const { return block_ != nullptr; }
     [[nodiscard]] HGLOBAL get() const { return block_; }
+    [[nodiscard]] HGLOBAL release() { return std::exchange(block_, nullptr); }
     [[nodiscard]] BITMAPINFOHEADER header() const;
     // Whole dots per inch.
     [[nodiscard]] POINT dotsPerInch() const;

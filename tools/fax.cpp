@@ -1,4 +1,5 @@
 // vellum fax: a text file as the pages of a fax.
+#include "tools/ansi_text.h"
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/console.h"
@@ -141,7 +142,10 @@ FaxRequest parse(const Arguments &arguments) {
                                    "millimetres, as 20 or 15x20");
     page.leftMargin = inHundredths(margin.x);
     page.topMargin = inHundredths(margin.y);
-    const std::string font = arguments.value("--font").value_or("Courier New");
+    if (!arguments.has("--form") && (2 * page.leftMargin >= page.pageWidth || 2 * page.topMargin >= page.pageHeight)) {
+        throw UsageError("option '--margin' leaves no room on the paper");
+    }
+    const std::string font = ansiText("the font", arguments.value("--font").value_or("Courier New"));
     std::memcpy(page.fontFace, font.data(), std::min(font.size(), sizeof page.fontFace - 1));
     page.fontSize = static_cast<DWORD>(
         parseNumber("--size", arguments.value("--size").value_or("10"), 1, kMostPoints, "a number of points"));
@@ -162,7 +166,8 @@ FaxRequest parse(const Arguments &arguments) {
     return request;
 }
 
-// The text with CR LF behind every line, as the library wants it; nothing when it cannot be read.
+// The text with CR LF between its lines, as the library wants it; nothing when it cannot be read. Behind the last line
+// it would begin another page when the one before is full.
 std::optional<std::string> readText(const FileName &name) {
     std::ifstream file(std::filesystem::path(name.forSystem()), std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
@@ -177,6 +182,9 @@ std::optional<std::string> readText(const FileName &name) {
         } else {
             text += bytes[i];
         }
+    }
+    if (text.ends_with("\r\n")) {
+        text.resize(text.size() - 2);
     }
     return text;
 }

@@ -1,6 +1,8 @@
 // Conversions of file names between the user, the system and the library.
 #include "tools/file_name.h"
 
+#include "tools/ansi_text.h"
+
 #include <windows.h>
 
 #include <algorithm>
@@ -59,18 +61,6 @@ std::wstring systemName(const std::string &userText) {
         }
     }
     return wide;
-}
-
-bool toAnsi(const std::wstring &wide, std::string &ansi) {
-    const bool utf8 = GetACP() == CP_UTF8;
-    const DWORD flags = utf8 ? 0 : WC_NO_BEST_FIT_CHARS;
-    BOOL replaced = FALSE;
-    BOOL *const replacedPointer = utf8 ? nullptr : &replaced;
-    const int wideLength = static_cast<int>(wide.size());
-    const int length = WideCharToMultiByte(CP_ACP, flags, wide.data(), wideLength, nullptr, 0, nullptr, nullptr);
-    ansi.assign(static_cast<std::size_t>(length), '\0');
-    WideCharToMultiByte(CP_ACP, flags, wide.data(), wideLength, ansi.data(), length, nullptr, replacedPointer);
-    return replaced == FALSE;
 }
 
 bool isSeparator(char c) {

@@ -2,8 +2,8 @@
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/console.h"
+#include "tools/dib_output.h"
 #include "tools/info.h"
-#include "tools/library_file.h"
 #include "tools/page_note.h"
 #include "tools/tag.h"
 
@@ -134,22 +134,10 @@ Status add(const Arguments &arguments, const FileName &file, DWORD index) {
 
 // ---- burn
 
-Status save(const FileName &out, HGLOBAL dib) {
-    LibraryFile file(out, LibraryFile::Start::Empty);
-    if (!file.failure().empty()) {
-        return complain(out.shown(), file.failure());
-    }
-    WORD bits = 0;
-    if (const auto *header = static_cast<const BITMAPINFOHEADER *>(GlobalLock(dib)); header != nullptr) {
-        bits = header->biBitCount;
-        GlobalUnlock(dib);
-    }
-    DeleteFileA(file.libraryPath().c_str()); // an empty file is no TIFF that an image could be added to
-    if (SaveDIBInTiffFile(file.libraryPath().c_str(), dib, bits == 1 ? VELLUM_SAVE_GROUP4 : VELLUM_SAVE_LZW, FALSE) ==
-        0) {
-        return complain(out.shown(), "cannot be written: " + libraryMessage(TiffError()));
-    }
-    return file.commit() ? Status::Ok : complain(out.shown(), file.failure());
+Status save(const FileName &out, const OwnedDib &dib, POINT dotsPerInch) {
+    DibOutput tiff(out);
+    const bool saved = tiff.add(dib, dibCoding(std::nullopt, dib.header().biBitCount), dotsPerInch) && tiff.commit();
+    return saved ? Status::Ok : complain(out.shown(), tiff.failure());
 }
 
 Status burn(const FileName &file, DWORD index, const FileName &out) {
@@ -171,19 +159,16 @@ Status burn(const FileName &file, DWORD index, const FileName &out) {
             return complain(label, "there is no note.");
         }
     }
-    const HGLOBAL dib = LoadTiffIntoDIB(file.forLibrary().c_str(), index, FALSE);
-    if (const DWORD error = TiffError(); dib == nullptr || error != VELLUM_OK) {
-        if (dib != nullptr) {
-            GlobalFree(dib);
-        }
+    OwnedDib dib(LoadTiffIntoDIB(file.forLibrary().c_str(), index, FALSE));
+    if (const DWORD error = TiffError(); !dib || error != VELLUM_OK) {
         return complain(label, libraryMessage(error));
     }
-    const HGLOBAL burned = note.burnInto(dib);
-    if (burned == nullptr) {
+    const POINT dotsPerInch = dib.dotsPerInch();
+    const OwnedDib burned(note.burnInto(dib.release()));
+    if (!burned) {
         return complain(label, "the note could not be burned in.");
     }
-    const Status status = save(out, burned);
-    GlobalFree(burned);
+    const Status status = save(out, burned, dotsPerInch);
     if (status == Status::Ok) {
         Console::get().print(label + " -> " + out.shown() + "\n");
     }

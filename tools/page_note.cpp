@@ -1,6 +1,7 @@
 // Notes by the library's calls, and the dialog's user.
 #include "tools/page_note.h"
 
+#include "tools/ansi_text.h"
 #include "tools/tag_numbers.h"
 #include "tools/tag_values.h"
 
@@ -12,17 +13,6 @@ namespace tool {
 namespace {
 
 constexpr char kDialogClass[] = "#32770";
-
-// Notes are drawn with the characters of the ANSI code page.
-std::string toAnsi(const std::string &utf8) {
-    const std::wstring wide = toWide(utf8);
-    const int length = static_cast<int>(wide.size());
-    std::string ansi(
-        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr)),
-        '\0');
-    WideCharToMultiByte(CP_ACP, 0, wide.data(), length, ansi.data(), static_cast<int>(ansi.size()), nullptr, nullptr);
-    return ansi;
-}
 
 std::string fromAnsi(const std::string &ansi) {
     const int length = static_cast<int>(ansi.size());
@@ -81,8 +71,8 @@ private:
 bool store(NoteRecord &note) {
     const StoringUser user;
     const HGLOBAL before = note.text;
-    const bool stored = user && Note(nullptr, &note) != 0;
     // The dialog's text has taken the place of the one before, if it came so far.
+    const bool stored = user && Note(nullptr, &note) != 0 && note.text != before;
     if (note.text != before) {
         release(before);
     }
@@ -99,7 +89,7 @@ PageNote::~PageNote() {
 bool PageNote::write(const std::vector<std::string> &lines, LONG left, LONG top, bool opaque) {
     std::string text;
     for (const std::string &line : lines) {
-        text += (text.empty() ? "" : "\r\n") + toAnsi(line);
+        text += (text.empty() ? "" : "\r\n") + ansiText("the note", line);
     }
     release(record_.text);
     record_ = {1, opaque ? 1 : 0, blockOf(text), left, top, left, top, record_.image};
@@ -132,8 +122,11 @@ HGLOBAL PageNote::burnInto(HGLOBAL dib) {
 
 std::vector<std::string> PageNote::lines() const {
     std::vector<std::string> lines(1);
+    char before = 0;
     for (const char c : textOf(record_.text)) {
-        if (c == '\r') {
+        const bool restOfLineEnd = before == '\r' && c == '\n';
+        before = c;
+        if ((c == '\r' || c == '\n') && !restOfLineEnd) {
             lines.emplace_back();
         } else if (static_cast<unsigned char>(c) >= ' ') {
             lines.back() += c;

@@ -1,4 +1,5 @@
 // vellum stamp: some lines of text on a page.
+#include "tools/ansi_text.h"
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/console.h"
@@ -100,7 +101,7 @@ StampRequest parse(const Arguments &arguments) {
     if (!text) {
         throw UsageError("option '--text' is needed");
     }
-    request.text = linesOf(*text);
+    request.text = linesOf(ansiText("the text", *text));
     const std::string place = arguments.value("--at").value_or("10,10");
     const std::vector<std::string> parts = splitAt(place, ',');
     if (parts.size() != 2) {
@@ -108,7 +109,7 @@ StampRequest parse(const Arguments &arguments) {
     }
     request.x = parseNumber("--at", parts[0], 0, kMostMillimetres, kPlace);
     request.y = parseNumber("--at", parts[1], 0, kMostMillimetres, kPlace);
-    request.font = arguments.value("--font").value_or("Arial");
+    request.font = ansiText("the font", arguments.value("--font").value_or("Arial"));
     request.points = static_cast<DWORD>(
         parseNumber("--size", arguments.value("--size").value_or("12"), 1, 1000, "a number of points"));
     request.compression = arguments.value("--compression");

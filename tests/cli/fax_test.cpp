@@ -124,6 +124,35 @@ TEST(Fax, ALongTextHasSeveralPagesAndALimit) {
     EXPECT_EQ(seenPages(folder, "two.tif").size(), 2U);
 }
 
+// The end of the last line begins no page.
+TEST(Fax, ATextThatFillsItsPageHasNoOther) {
+    const WorkFolder folder;
+    const auto fitsOnOnePage = [&folder](const std::string &text) {
+        folder.put("page.txt", textOf(text));
+        return folder.run({"fax", "page.txt", "page.tif", "--pages", "1"}).status == 0;
+    };
+    const auto withoutLastEnd = [](int lines) {
+        const std::string text = manyLines(lines);
+        return text.substr(0, text.size() - 2);
+    };
+    int full = 40;
+    while (full < 200 && fitsOnOnePage(withoutLastEnd(full + 1))) {
+        ++full;
+    }
+    ASSERT_GT(full, 40);
+    ASSERT_LT(full, 200);
+    EXPECT_TRUE(fitsOnOnePage(manyLines(full)));
+    EXPECT_FALSE(fitsOnOnePage(manyLines(full + 1)));
+}
+
+TEST(Fax, MarginsThatLeaveNoRoomAreWrongUsage) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("text"));
+    for (const char *margin : {"105x20", "20x150", "300"}) {
+        EXPECT_EQ(folder.run({"fax", "a.txt", "a.tif", "--margin", margin}).status, 2U) << margin;
+    }
+}
+
 TEST(Fax, LinesMayEndInAnyWay) {
     const WorkFolder folder;
     folder.put("dos.txt", textOf("one\r\ntwo\r\n\r\nfour"));

@@ -114,6 +114,34 @@ TEST(Note, BurnWritesThePageWithItsNoteInThePixels) {
     EXPECT_EQ(folder.files(), (std::vector<std::string>{"in.tif", "out.tif", "plain.tif"}));
 }
 
+TEST(Note, BurnKeepsTheResolutionOfAFax) {
+    const WorkFolder folder;
+    folder.put("in.tif", bundled("fax.tif"));
+    ASSERT_EQ(folder.run({"note", "add", "in.tif", "a note"}).err, "");
+    ASSERT_EQ(folder.run({"note", "burn", "in.tif", "out.tif"}).err, "");
+    const auto pages = pagesIn(folder.get("out.tif"));
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(pages[0].tag(282).numbers, (std::vector<std::uint32_t>{204, 1}));
+    EXPECT_EQ(pages[0].tag(283).numbers, (std::vector<std::uint32_t>{196, 1}));
+}
+
+TEST(Note, LinesMayEndInAnyWay) {
+    const WorkFolder folder;
+    folder.put("in.tif", twoPages("~,1,T,10,20,110,52,9,a\nb\rc\r\nd"));
+    EXPECT_EQ(folder.run({"note", "list", "in.tif"}).out,
+              "in.tif: page 2: transparent note from 10,20 to 110,52\n    a\n    b\n    c\n    d\n");
+}
+
+TEST(Note, CharactersThatTheCodePageLacksAreRefused) {
+    const WorkFolder folder;
+    folder.put("in.tif", twoPages(""));
+    const Outcome outcome = folder.run({"note", "add", "in.tif", "\xE6\x97\xA5"});
+    EXPECT_EQ(outcome.err, "vellum note: the note has characters that the system's code page lacks: '\xE6\x97\xA5'\n"
+                           "Try 'vellum note --help'.\n");
+    EXPECT_EQ(outcome.status, 2U);
+    EXPECT_TRUE(folder.get("in.tif") == twoPages(""));
+}
+
 TEST(Note, BurnOfAPageWithoutANoteWritesNothing) {
     const WorkFolder folder;
     folder.put("in.tif", twoPages(""));

@@ -64,6 +64,22 @@ TEST(Stamp, APictureCoarserThanTheScreenGetsTheWholeText) {
     EXPECT_EQ(TiffLook(folder.get("out.tif")).pages().at(0).tag(282).numbers, (std::vector<std::uint32_t>{72, 1}));
 }
 
+// An accented letter is one letter, no wider than a plain one.
+TEST(Stamp, TheTextIsUtf8) {
+    const WorkFolder folder;
+    folder.put("fax.tif", bundled("fax.tif"));
+    const auto widthOf = [&folder](const std::string &text) {
+        EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", text, "--at", "10,280", "--size", "20"}).err,
+                  "");
+        const RECT box = difference(pagePixels(folder, "fax.tif"), pagePixels(folder, "out.tif"));
+        return box.right - box.left;
+    };
+    const LONG plain = widthOf("EEEE");
+    EXPECT_GT(plain, 40);
+    EXPECT_NEAR(widthOf("\xC3\x89\xC3\x89\xC3\x89\xC3\x89"), plain, 4);
+    EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "\xE6\x97\xA5"}).status, 2U);
+}
+
 TEST(Stamp, OutsideThePageItChangesNothing) {
     const WorkFolder folder;
     folder.put("fax.tif", bundled("fax.tif"));
