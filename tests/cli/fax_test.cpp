@@ -148,7 +148,7 @@ TEST(Fax, ATextThatFillsItsPageHasNoOther) {
 TEST(Fax, MarginsThatLeaveNoRoomAreWrongUsage) {
     const WorkFolder folder;
     folder.put("a.txt", textOf("text"));
-    for (const char *margin : {"105x20", "20x150", "300"}) {
+    for (const char *margin : {"106x20", "20x150", "300"}) {
         EXPECT_EQ(folder.run({"fax", "a.txt", "a.tif", "--margin", margin}).status, 2U) << margin;
     }
 }
