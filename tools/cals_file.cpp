@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -199,6 +200,13 @@ CalsNotes notesOf(const CalsDescription &description) {
     return notes;
 }
 
+// A few bytes of code can stand for gigabytes when lines are that long.
+bool isBeyondDrawings(const Picture &picture) {
+    constexpr DWORD kWidest = 65536;
+    constexpr std::uint64_t kLargest = 64u << 20;
+    return picture.width > kWidest && std::uint64_t{picture.lineBytes()} * picture.height > kLargest;
+}
+
 } // namespace
 
 void CalsDescription::complete(const CalsDescription &other) {
@@ -276,6 +284,10 @@ PageReading CalsSource::read(DWORD index) const {
     Picture picture;
     picture.width = static_cast<DWORD>(info.rpelcnt[0]);
     picture.height = static_cast<DWORD>(info.rpelcnt[1]);
+    if (isBeyondDrawings(picture)) {
+        reading.failure = libraryMessage(VELLUM_NO_MEMORY);
+        return reading;
+    }
     setResolution(picture, info.rdensty);
     const auto lines = std::make_shared<LineStore>(static_cast<std::size_t>(picture.lineBytes()));
     StoringRun run{*lines, progressLabel(index), picture.height};

@@ -224,6 +224,18 @@ TEST(ConvertCals, HoldsBilevelPagesOnly) {
     EXPECT_FALSE(folder.get("out.cal"));
 }
 
+// Two gigabytes of blank lines, of which each is one bit.
+TEST(ConvertCals, APictureBeyondAllDrawingsIsRefusedAtOnce) {
+    const WorkFolder folder;
+    folder.put("huge.cal", calsFile(pictureRecords("8000000,2100"), Bytes(952, BYTE{0xFF})));
+    const ULONGLONG begin = GetTickCount64();
+    const Outcome outcome = folder.run({"convert", "huge.cal", "out.tif"});
+    EXPECT_LT(GetTickCount64() - begin, 2000U);
+    EXPECT_NE(outcome.err.find("Not enough memory."), std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.status, 1U);
+    EXPECT_EQ(folder.files(), std::vector<std::string>{"huge.cal"});
+}
+
 TEST(ConvertCals, OptionsThatMakeNoSenseAreRefused) {
     const WorkFolder folder;
     folder.put("in.cal", bilevelPicture(9, 4).file());
