@@ -43,9 +43,10 @@ public:
         }
         piece_[length_++] = character;
     }
+    // Of no text when it has none.
     SIZE size() {
         measurePiece();
-        return size_.cy == 0 ? extentOf(dc_, kEmptyLine) : size_;
+        return size_;
     }
 
 private:
@@ -74,10 +75,12 @@ SIZE measureLine(HDC dc, std::string_view line) {
 } // namespace
 
 SIZE measureNoteText(HDC dc, std::string_view text) {
+    const SIZE emptyLine = extentOf(dc, kEmptyLine);
     SIZE size{};
     for (bool more = true; more;) {
         const std::size_t end = text.find('\r');
-        const SIZE line = measureLine(dc, text.substr(0, end));
+        const SIZE measured = measureLine(dc, text.substr(0, end));
+        const SIZE line = measured.cy == 0 ? emptyLine : measured;
         size = {std::max(size.cx, line.cx), sum(size.cy, line.cy)};
         more = end != std::string_view::npos;
         text.remove_prefix(more ? end + 1 : text.size());
