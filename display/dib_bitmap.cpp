@@ -1,6 +1,7 @@
 // GetDIBits and SetBitmapBits, and DIB sections in the layout of packed DIBs.
 #include "display/dib_bitmap.h"
 
+#include "support/bitmap_depth.h"
 #include "support/numeric.h"
 #include "support/screen_dc.h"
 
@@ -11,7 +12,6 @@ namespace vellum {
 namespace {
 
 constexpr DWORD kMostColours = 256;
-constexpr WORD kTrueColourBits = 24;
 constexpr double kInchesPerMeter = 39.37;
 
 struct ColourInfo {
@@ -20,11 +20,6 @@ struct ColourInfo {
 
     BITMAPINFO *get() { return reinterpret_cast<BITMAPINFO *>(this); }
 };
-
-WORD packedDepth(const BITMAP &bitmap) {
-    const DWORD bits = DWORD{bitmap.bmPlanes} * bitmap.bmBitsPixel;
-    return bits == 1 || bits == 4 || bits == 8 ? static_cast<WORD>(bits) : kTrueColourBits;
-}
 
 // Colours of a table that has them all; 0 where there is no table.
 DWORD allColours(WORD bitsPerPixel) {
@@ -37,7 +32,7 @@ BITMAPINFOHEADER packedHeader(const BITMAP &bitmap) {
     header.biWidth = bitmap.bmWidth;
     header.biHeight = bitmap.bmHeight;
     header.biPlanes = 1;
-    header.biBitCount = packedDepth(bitmap);
+    header.biBitCount = depthAsDib(bitmap);
     return header;
 }
 

@@ -1,5 +1,6 @@
 // Saving a bitmap, the caller's or the clipboard's, as a new image of a TIFF file or as a headerless code stream.
 #include "core/stream.h"
+#include "support/bitmap_depth.h"
 #include "support/gdi_objects.h"
 #include "support/row_bytes.h"
 #include "support/screen_dc.h"
@@ -19,7 +20,6 @@ constexpr char kClipboardNotOpened[] = "Could not open clipboard";
 constexpr char kNoClipboardBitmap[] = "Could not receive bitmap from clipboard";
 
 constexpr DWORD kClipboardFillOrder = 2;
-constexpr WORD kTrueColourBits = 24;
 constexpr DWORD kMostPaletteColours = 256;
 
 void tell(const char *text, const char *caption) {
@@ -35,12 +35,6 @@ DWORD saved(Error error) {
     return 0;
 }
 
-// GetDIBits delivers every bitmap as 24 bits; the depths that a TIFF has too stay as they are.
-WORD savedDepth(const BITMAP &bitmap) {
-    const DWORD bits = DWORD{bitmap.bmPlanes} * bitmap.bmBitsPixel;
-    return bits == 1 || bits == 4 || bits == 8 ? static_cast<WORD>(bits) : kTrueColourBits;
-}
-
 // Size and depth of a bitmap as it is to be stored; nothing for what is no bitmap.
 std::optional<SavedPicture> describe(HBITMAP bitmap) {
     BITMAP record{};
@@ -50,7 +44,7 @@ std::optional<SavedPicture> describe(HBITMAP bitmap) {
     SavedPicture picture;
     picture.width = record.bmWidth;
     picture.height = record.bmHeight;
-    picture.bitsPerPixel = savedDepth(record);
+    picture.bitsPerPixel = depthAsDib(record);
     return picture;
 }
 

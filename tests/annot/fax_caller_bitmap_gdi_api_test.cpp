@@ -19,18 +19,6 @@ std::string manyLines() {
     return text;
 }
 
-// The picture with lines of text on it, as the fax must have them.
-Pixels withText(HBITMAP picture, const FaxPageParams &params, const std::vector<std::string> &lines) {
-    const ExpectedPage page(0, 0, expectedFont(params), picture);
-    SetBkMode(page.dc(), TRANSPARENT);
-    int y = 20;
-    for (const std::string &line : lines) {
-        page.draw(20, y, line);
-        y += page.extent("M").cy;
-    }
-    return page.pixels();
-}
-
 TEST(FaxOnABitmap, TheTextIsDrawnOverThePictureAndThePictureStays) {
     const TextFile file("one\r\ntwo");
     const FaxPageParams params = smallPage(file.path());

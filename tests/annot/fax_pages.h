@@ -230,4 +230,16 @@ private:
     TempFile file_;
 };
 
+// The picture with lines of text on it, as the fax must have them.
+inline Pixels withText(HBITMAP picture, const FaxPageParams &params, const std::vector<std::string> &lines) {
+    const ExpectedPage page(0, 0, expectedFont(params), picture);
+    SetBkMode(page.dc(), TRANSPARENT);
+    int y = 20;
+    for (const std::string &line : lines) {
+        page.draw(20, y, line);
+        y += page.extent("M").cy;
+    }
+    return page.pixels();
+}
+
 } // namespace vellum::test

@@ -14,14 +14,7 @@ Bytes formFile(const Depth &depth = {1, 1}) {
 
 Pixels formWithText(const char *form, const FaxPageParams &params, const std::vector<std::string> &lines) {
     const LoadedBitmap bitmap(LoadTiffIntoBitmap(form, 0, 0));
-    const ExpectedPage page(0, 0, expectedFont(params), bitmap.get());
-    SetBkMode(page.dc(), TRANSPARENT);
-    int y = 20;
-    for (const std::string &line : lines) {
-        page.draw(20, y, line);
-        y += page.extent("M").cy;
-    }
-    return page.pixels();
+    return withText(bitmap.get(), params, lines);
 }
 
 TEST(FormOverlay, TheTextIsDrawnOverTheFormAtEveryDepth) {
