@@ -71,19 +71,30 @@ std::string keyList() {
     return list;
 }
 
-// A missing file, which the library reports as an I/O error, is called that as well.
-std::string readFailure(const FileName &name, DWORD error) {
-    return error == VELLUM_IO_ERROR && name.isMissing() ? "there is no such file." : libraryMessage(error);
+bool isNegative(const CalsInfo &info) {
+    return info.rpelcnt[0] < 0 || info.rpelcnt[1] < 0;
 }
 
-// Reads the numbers. Result: an error number of the library.
+// Reads the numbers. Result: an error number of the library; of counts below 0 the one that its loader has for them.
 DWORD readInfo(const FileName &name, CalsInfo &info) {
     SetTiffError(VELLUM_OK);
     if (ReadCALSInfo(name.forLibrary().c_str(), &info) == 0) {
         const DWORD error = TiffError();
         return error != VELLUM_OK ? error : DWORD{VELLUM_NOT_CALS};
     }
-    return info.rpelcnt[0] > 0 && info.rpelcnt[1] > 0 ? DWORD{VELLUM_OK} : DWORD{VELLUM_NO_MEMORY};
+    return isNegative(info) ? DWORD{VELLUM_NO_MEMORY} : DWORD{VELLUM_OK};
+}
+
+// An error of readInfo in words. The library calls a missing file an I/O error, and counts below 0 a lack of memory.
+std::string readFailure(const FileName &name, const CalsInfo &info, DWORD error) {
+    if (error == VELLUM_IO_ERROR && name.isMissing()) {
+        return "there is no such file.";
+    }
+    if (error == VELLUM_NO_MEMORY && isNegative(info)) {
+        return "the header claims a picture of " + std::to_string(info.rpelcnt[0]) + " x " +
+               std::to_string(info.rpelcnt[1]) + " pixels.";
+    }
+    return error == VELLUM_OK ? "" : libraryMessage(error);
 }
 
 // The texts of the library run into each other: each ends where the next one begins.
@@ -122,22 +133,9 @@ CalsRecord recordAt(const char *header, DWORD number) {
     return {number, text.substr(0, colon), value == std::string::npos ? "" : text.substr(value)};
 }
 
-// The records of a header that are in use; none when it cannot be read.
-std::vector<CalsRecord> readRecords(const FileName &name) {
-    std::vector<CalsRecord> records;
-    const LibraryBlock header(ReadCALSHead(name.forLibrary().c_str()));
-    for (DWORD i = 0; header && i < kRecords; ++i) {
-        CalsRecord record = recordAt(header.get(), i);
-        if (!record.keyword.empty() || !record.value.empty()) {
-            records.push_back(std::move(record));
-        }
-    }
-    return records;
-}
-
 // Texts that are there under the other spelling alone.
 void readTextsSpelledOtherwise(const FileName &name, CalsDescription &description) {
-    for (CalsRecord &record : readRecords(name)) {
+    for (CalsRecord &record : readCalsRecords(name)) {
         const auto field = std::ranges::find(kTexts, record.keyword, &TextField::elsewhere);
         if (field == std::end(kTexts) || record.keyword.empty() || record.value.empty()) {
             continue;
@@ -156,21 +154,6 @@ void setResolution(Picture &picture, LONG density) {
     picture.set(rationalTag(tag::kXResolution, static_cast<DWORD>(density), 1));
     picture.set(rationalTag(tag::kYResolution, static_cast<DWORD>(density), 1));
     picture.set(shortsTag(tag::kResolutionUnit, inch));
-}
-
-// Result: an error number of the library.
-DWORD decode(const FileName &name, StoringRun &run, const Picture &picture) {
-    const RawFile raw = openForReading(name);
-    if (!raw.isOpen()) {
-        return VELLUM_IO_ERROR;
-    }
-    // Behind a header without data the decoder would start with the header.
-    if (mSize(raw.stream()) <= VELLUM_CALS_HEADER) {
-        return VELLUM_UNEXPECTED_END;
-    }
-    const DWORD decoded = DecodeCcittImageFrom(raw.stream(), VELLUM_CALS_HEADER, picture.width, picture.height,
-                                               VELLUM_KEY_GROUP4, 1, VELLUM_BYTE_ORDER_II, run.userValue(), storeLine);
-    return decoded != 0 ? DWORD{VELLUM_OK} : TiffError();
 }
 
 // A resolution as a header holds it; 0 when there is none.
@@ -201,10 +184,10 @@ CalsNotes notesOf(const CalsDescription &description) {
 }
 
 // A few bytes of code can stand for gigabytes when lines are that long.
-bool isBeyondDrawings(const Picture &picture) {
-    constexpr DWORD kWidest = 65536;
+bool isBeyondDrawings(std::uint64_t width, std::uint64_t height) {
+    constexpr std::uint64_t kWidest = 65536;
     constexpr std::uint64_t kLargest = 64u << 20;
-    return picture.width > kWidest && std::uint64_t{picture.lineBytes()} * picture.height > kLargest;
+    return width > kWidest && (width + 7) / 8 * height > kLargest;
 }
 
 } // namespace
@@ -263,6 +246,18 @@ bool isCalsFile(const FileName &name) {
     return isCalsName(name) || ReadCALSInfo(name.forLibrary().c_str(), &info) != 0;
 }
 
+std::vector<CalsRecord> readCalsRecords(const FileName &name) {
+    std::vector<CalsRecord> records;
+    const LibraryBlock header(ReadCALSHead(name.forLibrary().c_str()));
+    for (DWORD i = 0; header && i < kRecords; ++i) {
+        CalsRecord record = recordAt(header.get(), i);
+        if (!record.keyword.empty() || !record.value.empty()) {
+            records.push_back(std::move(record));
+        }
+    }
+    return records;
+}
+
 CalsDescription describeCals(const FileName &name) {
     CalsDescription description;
     CalsInfo info;
@@ -274,24 +269,46 @@ CalsDescription describeCals(const FileName &name) {
     return description;
 }
 
+CalsPicture measureCals(const FileName &name) {
+    CalsPicture picture{};
+    picture.error = readInfo(name, picture.info);
+    picture.failure = readFailure(name, picture.info, picture.error);
+    return picture;
+}
+
+DWORD decodeCals(const FileName &name, const CalsPicture &picture, DWORD userValue, LineFunc lineFunction) {
+    const DWORD width = static_cast<DWORD>(picture.info.rpelcnt[0]);
+    const DWORD height = static_cast<DWORD>(picture.info.rpelcnt[1]);
+    if (isBeyondDrawings(width, height)) {
+        return VELLUM_NO_MEMORY;
+    }
+    const RawFile raw = openForReading(name);
+    if (!raw.isOpen()) {
+        return VELLUM_IO_ERROR;
+    }
+    // Behind a header without data the decoder would start with the header.
+    if (mSize(raw.stream()) <= VELLUM_CALS_HEADER) {
+        return VELLUM_UNEXPECTED_END;
+    }
+    const DWORD decoded = DecodeCcittImageFrom(raw.stream(), VELLUM_CALS_HEADER, width, height, VELLUM_KEY_GROUP4, 1,
+                                               VELLUM_BYTE_ORDER_II, userValue, lineFunction);
+    return decoded != 0 ? DWORD{VELLUM_OK} : TiffError();
+}
+
 PageReading CalsSource::read(DWORD index) const {
     PageReading reading;
-    CalsInfo info{};
-    if (const DWORD error = readInfo(name_, info); error != VELLUM_OK) {
-        reading.failure = libraryMessage(error);
+    const CalsPicture measured = measureCals(name_);
+    if (measured.error != VELLUM_OK) {
+        reading.failure = measured.failure;
         return reading;
     }
     Picture picture;
-    picture.width = static_cast<DWORD>(info.rpelcnt[0]);
-    picture.height = static_cast<DWORD>(info.rpelcnt[1]);
-    if (isBeyondDrawings(picture)) {
-        reading.failure = libraryMessage(VELLUM_NO_MEMORY);
-        return reading;
-    }
-    setResolution(picture, info.rdensty);
+    picture.width = static_cast<DWORD>(measured.info.rpelcnt[0]);
+    picture.height = static_cast<DWORD>(measured.info.rpelcnt[1]);
+    setResolution(picture, measured.info.rdensty);
     const auto lines = std::make_shared<LineStore>(static_cast<std::size_t>(picture.lineBytes()));
     StoringRun run{*lines, progressLabel(index), picture.height};
-    const DWORD error = decode(name_, run, picture);
+    const DWORD error = decodeCals(name_, measured, run.userValue(), storeLine);
     if (error != VELLUM_OK && !leavesAPart(picture, lines->count(), error)) {
         reading.failure = libraryMessage(error);
         return reading;
@@ -345,20 +362,6 @@ std::string writeCals(const FileName &file, const Picture &picture, const CalsDe
         return failure(TiffError());
     }
     return raw.close() ? "" : writeFailure(GetLastError());
-}
-
-CalsLook lookAtCals(const FileName &name) {
-    CalsLook look{};
-    CalsInfo info{};
-    look.error = readInfo(name, info);
-    if (look.error == VELLUM_OK) {
-        look.numbers =
-            CalsLook::Numbers{info.rpelcnt[0], info.rpelcnt[1], info.rdensty, {info.rorient[0], info.rorient[1]}};
-    } else {
-        look.failure = readFailure(name, look.error);
-    }
-    look.records = readRecords(name);
-    return look;
 }
 
 } // namespace tool

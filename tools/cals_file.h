@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/picture.h"
+#include "vellum32.h"
 
 #include <array>
 #include <optional>
@@ -35,6 +36,16 @@ bool isCalsFile(const FileName &name);
 // be read.
 CalsDescription describeCals(const FileName &name);
 
+// The picture that a file's header describes.
+struct CalsPicture {
+    CalsInfo info;
+    DWORD error; // VELLUM_OK, or why there is none; failure says so in words
+    std::string failure;
+};
+CalsPicture measureCals(const FileName &name);
+// Hands the picture's lines to a line function. Result: an error number of the library.
+DWORD decodeCals(const FileName &name, const CalsPicture &picture, DWORD userValue, LineFunc lineFunction);
+
 class CalsSource final : public PageSource {
 public:
     explicit CalsSource(const FileName &name) : name_(name) {}
@@ -63,19 +74,7 @@ struct CalsRecord {
     std::string value;
 };
 
-// What `vellum info` tells of a file. Without numbers the header describes no picture; failure and error say why.
-struct CalsLook {
-    struct Numbers {
-        LONG width;
-        LONG height;
-        LONG density; // dots per inch
-        std::array<LONG, 2> orientation;
-    };
-    std::optional<Numbers> numbers;
-    std::vector<CalsRecord> records;
-    DWORD error;
-    std::string failure;
-};
-CalsLook lookAtCals(const FileName &name);
+// The records of a header; none when it cannot be read.
+std::vector<CalsRecord> readCalsRecords(const FileName &name);
 
 } // namespace tool

@@ -1,6 +1,7 @@
 // vellum check: decodes every page of every file to nowhere and gives one verdict line a page. It is made for large
 // archives: it never asks, never writes, and goes on whatever a file holds.
 #include "tools/arguments.h"
+#include "tools/cals_file.h"
 #include "tools/command.h"
 #include "tools/console.h"
 #include "tools/file_walk.h"
@@ -23,10 +24,12 @@ Every page is decoded to nowhere and gets one line:
           compression or decompression.                      (all on one line)
 
 A file that is no TIFF, whose chain of pages breaks or leads back, or that has
-more than 1000 pages gets a FAILED line of its own. The last line sums up. In a
-folder, and in the folders within, all files *.tif and *.tiff are checked; a
-file that is named itself is checked whatever its name is. A folder in which
-there is no such file counts as failed. Nothing is ever written.
+more than 1000 pages gets a FAILED line of its own. A CALS file has one page; it
+gets a FAILED line of its own when its header describes no picture. The last
+line sums up. In a folder, and in the folders within, all files *.tif, *.tiff,
+*.cal and *.cals are checked; a file that is named itself is checked whatever
+its name is. A folder in which there is no such file counts as failed. Nothing
+is ever written.
 
 Options:
   -q, --quiet  only the FAILED lines
@@ -40,6 +43,8 @@ constexpr std::array kOptions = {Option{"--quiet", Option::Kind::Flag, "-q"}};
 struct DecodeRun {
     DWORD lines = 0; // delivered so far
     std::string label;
+
+    DWORD userValue() { return static_cast<DWORD>(reinterpret_cast<DWORD_PTR>(this)); }
 };
 
 DWORD VELLUMAPI countLine(BYTE *, DWORD, DWORD userValue) {
@@ -49,6 +54,18 @@ DWORD VELLUMAPI countLine(BYTE *, DWORD, DWORD userValue) {
         Console::get().progress(run.label + ": line " + std::to_string(run.lines));
     }
     return 0;
+}
+
+// What is wrong with a page that was decoded with this error; empty when it is whole.
+std::string verdict(const DecodeRun &run, DWORD height, DWORD error) {
+    std::string place;
+    if (run.lines > 0) {
+        place = "after line " + std::to_string(run.lines) + " of " + std::to_string(height) + ": ";
+    }
+    if (error != VELLUM_OK) {
+        return place + libraryMessage(error);
+    }
+    return run.lines < height ? place + "the other lines are missing." : std::string();
 }
 
 class Checker {
@@ -61,8 +78,11 @@ public:
 private:
     void checkFolder(const FileName &name);
     void checkFile(const FileName &name);
+    void checkTiff(const FileName &name);
+    void checkCals(const FileName &name);
     // The verdict on a page: empty when it is whole.
-    std::string checkPage(const TiffDocument &document, DWORD index, const std::string &label) const;
+    static std::string checkPage(const TiffDocument &document, DWORD index, const std::string &label);
+    void judge(const std::string &label, const std::string &reason);
     void pass(const std::string &label);
     void fail(const std::string &label, const std::string &reason);
 
@@ -83,13 +103,17 @@ void Checker::checkFolder(const FileName &name) {
                   [this](const FileName &folder) { fail(folder.shown(), "the folder cannot be listed."); });
     walk.folder(name);
     if (files_ == filesBefore && failures_ == failuresBefore) {
-        fail(name.shown(), "there is no .tif or .tiff file in the folder.");
+        fail(name.shown(), "there is no .tif, .tiff, .cal or .cals file in the folder.");
     }
 }
 
 void Checker::checkFile(const FileName &name) {
     ++files_;
     Console::get().progress(std::to_string(files_) + " files: " + name.shown());
+    isCalsFile(name) ? checkCals(name) : checkTiff(name);
+}
+
+void Checker::checkTiff(const FileName &name) {
     const TiffDocument document(name);
     if (!document.isOpen()) {
         fail(name.shown(), document.openMessage());
@@ -101,16 +125,26 @@ void Checker::checkFile(const FileName &name) {
     const std::string count = std::to_string(document.pageCount());
     for (DWORD index = 0; index < document.pageCount(); ++index) {
         const std::string label = name.shown() + ": page " + std::to_string(index + 1) + " of " + count;
-        ++pages_;
-        const std::string reason = checkPage(document, index, label);
-        reason.empty() ? pass(label) : fail(label, reason);
+        judge(label, checkPage(document, index, label));
     }
     if (const std::string chain = document.chainMessage(); !chain.empty()) {
         fail(name.shown(), chain);
     }
 }
 
-std::string Checker::checkPage(const TiffDocument &document, DWORD index, const std::string &label) const {
+void Checker::checkCals(const FileName &name) {
+    const CalsPicture picture = measureCals(name);
+    if (picture.error != VELLUM_OK) {
+        fail(name.shown(), picture.failure);
+        return;
+    }
+    const std::string label = name.shown() + ": page 1 of 1";
+    DecodeRun run{0, label};
+    const DWORD error = decodeCals(name, picture, run.userValue(), countLine);
+    judge(label, verdict(run, static_cast<DWORD>(picture.info.rpelcnt[1]), error));
+}
+
+std::string Checker::checkPage(const TiffDocument &document, DWORD index, const std::string &label) {
     const RegisteredPage page(document, index);
     if (!page) {
         return libraryMessage(TiffError());
@@ -127,16 +161,13 @@ std::string Checker::checkPage(const TiffDocument &document, DWORD index, const 
         return "the page is 0 pixels wide."; // and may have four thousand million lines
     }
     DecodeRun run{0, label};
-    const DWORD userValue = static_cast<DWORD>(reinterpret_cast<DWORD_PTR>(&run));
-    const DWORD decoded = DecodeTiffImage(page.handle(), page.index(), 0, 0, userValue, countLine);
-    std::string place;
-    if (run.lines > 0) {
-        place = "after line " + std::to_string(run.lines) + " of " + std::to_string(height) + ": ";
-    }
-    if (decoded == 0) {
-        return place + libraryMessage(TiffError());
-    }
-    return run.lines < height ? place + "the other lines are missing." : std::string();
+    const DWORD decoded = DecodeTiffImage(page.handle(), page.index(), 0, 0, run.userValue(), countLine);
+    return verdict(run, height, decoded != 0 ? DWORD{VELLUM_OK} : TiffError());
+}
+
+void Checker::judge(const std::string &label, const std::string &reason) {
+    ++pages_;
+    reason.empty() ? pass(label) : fail(label, reason);
 }
 
 void Checker::pass(const std::string &label) {

@@ -9,6 +9,12 @@
 
 namespace tool {
 
+namespace {
+
+constexpr const char *kExtensions[] = {".tif", ".tiff", ".cal", ".cals"};
+
+} // namespace
+
 void FileWalk::folder(const FileName &name) {
     if (!isNew(name)) {
         return;
@@ -37,7 +43,8 @@ void FileWalk::folder(const FileName &name) {
     std::ranges::sort(folders);
     for (const std::wstring &entry : files) {
         const FileName file = name.child(entry);
-        if (file.hasExtension(".tif") || file.hasExtension(".tiff")) {
+        const auto is = [&file](const char *extension) { return file.hasExtension(extension); };
+        if (std::ranges::any_of(kExtensions, is)) {
             onFile_(file);
         }
     }

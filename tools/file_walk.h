@@ -1,4 +1,4 @@
-// Walking folders: every TIFF file below a folder, in order of name, the folder's own files first.
+// Walking folders: every TIFF and CALS file below a folder, in order of name, the folder's own files first.
 #pragma once
 
 #include "tools/file_name.h"
@@ -14,7 +14,8 @@ public:
     using FileFunction = std::function<void(const FileName &file)>;
     using FailureFunction = std::function<void(const FileName &folder)>;
 
-    // Files are those named *.tif and *.tiff. The second function is told of folders that cannot be listed.
+    // Files are those named *.tif, *.tiff, *.cal and *.cals. The second function is told of folders that cannot be
+    // listed.
     FileWalk(FileFunction onFile, FailureFunction onFailure)
         : onFile_(std::move(onFile)), onFailure_(std::move(onFailure)) {}
 

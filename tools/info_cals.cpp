@@ -8,20 +8,21 @@ namespace tool {
 
 namespace {
 
-Status complain(const FileName &name, const CalsLook &look) {
-    if (look.numbers) {
+Status complain(const FileName &name, const CalsPicture &picture) {
+    if (picture.error == VELLUM_OK) {
         return Status::Ok;
     }
-    Console::get().complain(name.shown() + ": " + look.failure);
+    Console::get().complain(name.shown() + ": " + picture.failure);
     return Status::Failed;
 }
 
-std::string fileLine(const FileName &name, const CalsLook &look) {
+std::string fileLine(const FileName &name, const CalsPicture &picture) {
     std::string line = name.shown() + ": CALS raster file";
-    if (look.numbers) {
-        const auto &[width, height, density, orientation] = *look.numbers;
-        line += ", " + std::to_string(width) + " x " + std::to_string(height) + ", " + std::to_string(density) +
-                " dpi, orientation " + std::to_string(orientation[0]) + "," + std::to_string(orientation[1]);
+    if (picture.error == VELLUM_OK) {
+        const CalsInfo &info = picture.info;
+        line += ", " + std::to_string(info.rpelcnt[0]) + " x " + std::to_string(info.rpelcnt[1]) + ", " +
+                std::to_string(info.rdensty) + " dpi, orientation " + std::to_string(info.rorient[0]) + "," +
+                std::to_string(info.rorient[1]);
     }
     if (const auto size = name.size()) {
         line += ", " + std::to_string(*size) + " bytes";
@@ -48,48 +49,49 @@ void pairMember(JsonWriter &json, std::string_view key, LONG first, LONG second)
     json.endArray();
 }
 
-void writeNumbers(JsonWriter &json, const CalsLook::Numbers &numbers) {
-    member(json, "width", LONGLONG{numbers.width});
-    member(json, "height", LONGLONG{numbers.height});
-    pairMember(json, "dpi", numbers.density, numbers.density);
-    pairMember(json, "orientation", numbers.orientation[0], numbers.orientation[1]);
+void writeNumbers(JsonWriter &json, const CalsInfo &info) {
+    member(json, "width", LONGLONG{info.rpelcnt[0]});
+    member(json, "height", LONGLONG{info.rpelcnt[1]});
+    pairMember(json, "dpi", info.rdensty, info.rdensty);
+    pairMember(json, "orientation", info.rorient[0], info.rorient[1]);
 }
 
 } // namespace
 
 Status printCalsText(const FileName &name) {
-    const CalsLook look = lookAtCals(name);
+    const CalsPicture picture = measureCals(name);
+    const std::vector<CalsRecord> header = readCalsRecords(name);
     using enum Table::Align;
     Table records({{"record", Right}, {"keyword", Left}, {"value", Left}});
-    for (const CalsRecord &record : look.records) {
+    for (const CalsRecord &record : header) {
         const std::string keyword = record.keyword.empty() ? "-" : utf8FromAnything(record.keyword);
         records.add({std::to_string(record.number), keyword, shown(record.value)});
     }
-    if (!look.records.empty()) {
-        Console::get().print(fileLine(name, look) + records.text(2));
+    if (!header.empty()) {
+        Console::get().print(fileLine(name, picture) + records.text(2));
         Console::get().flush();
     }
-    return complain(name, look);
+    return complain(name, picture);
 }
 
 Status writeCalsJson(JsonWriter &json, const FileName &name) {
-    const CalsLook look = lookAtCals(name);
+    const CalsPicture picture = measureCals(name);
     json.beginObject();
     member(json, "file", name.shown());
     member(json, "format", "CALS");
-    if (!look.numbers) {
-        member(json, "error", look.error);
-        member(json, "message", look.failure);
+    if (picture.error != VELLUM_OK) {
+        member(json, "error", picture.error);
+        member(json, "message", picture.failure);
     }
     if (const auto size = name.size()) {
         member(json, "bytes", static_cast<LONGLONG>(*size));
     }
-    if (look.numbers) {
-        writeNumbers(json, *look.numbers);
+    if (picture.error == VELLUM_OK) {
+        writeNumbers(json, picture.info);
     }
     json.key("records");
     json.beginArray();
-    for (const CalsRecord &record : look.records) {
+    for (const CalsRecord &record : readCalsRecords(name)) {
         json.beginObject(JsonWriter::Layout::OneLine);
         member(json, "record", record.number);
         json.key("keyword");
@@ -99,7 +101,7 @@ Status writeCalsJson(JsonWriter &json, const FileName &name) {
     }
     json.endArray();
     json.endObject();
-    return complain(name, look);
+    return complain(name, picture);
 }
 
 } // namespace tool

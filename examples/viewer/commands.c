@@ -24,8 +24,29 @@ void report(const Viewer *viewer, const char *path, const char *otherwise) {
                 MB_OK | MB_ICONEXCLAMATION);
 }
 
+static BOOL isWriteProtected(const char *path) {
+    const DWORD attributes = GetFileAttributesA(path);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+static const char kWriteProtected[] = "The file is write-protected.";
+
+void reportUndone(const Viewer *viewer, const char *path, const char *what) {
+    char message[200], library[64];
+    const DWORD error = TiffError();
+    const char *reason = error == VELLUM_OK                                   ? ""
+                         : error == VELLUM_IO_ERROR && isWriteProtected(path) ? kWriteProtected
+                                                                              : TiffErrorString(library, error);
+    wsprintfA(message, "%.100s %.80s", what, reason);
+    showMessage(viewer, path, message, MB_OK | MB_ICONEXCLAMATION);
+}
+
 BOOL agrees(const Viewer *viewer, const char *path, const char *question) {
     return showMessage(viewer, path, question, MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+BOOL agreesToPart(const Viewer *viewer) {
+    return agrees(viewer, viewer->document.path, "The page is damaged. Save what there is?");
 }
 
 /* ---------------------------------------------------------------- files ------------------------------------------- */
@@ -81,32 +102,52 @@ static BOOL saveByDialog(const Viewer *viewer, const char *path, HGLOBAL dib) {
     return saved;
 }
 
-/* A file that is there gets one page more, if the user agrees. */
+/* A file that is there gets one page more, if the user agrees. In place of one that cannot, another is asked for. */
 static BOOL askForNewPage(const Viewer *viewer, char *path) {
     OPENFILENAMEA dialog = fileDialog(viewer, path, kWritable, OFN_PATHMUSTEXIST);
-    return GetSaveFileNameA(&dialog) && (GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES ||
-                                         agrees(viewer, path, "The file is there already. Add the page to it?"));
+    while (GetSaveFileNameA(&dialog)) {
+        if (!isWriteProtected(path)) {
+            return GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES ||
+                   agrees(viewer, path, "The file is there already. Add the page to it?");
+        }
+        showMessage(viewer, path, kWriteProtected, MB_OK | MB_ICONEXCLAMATION);
+    }
+    return FALSE;
 }
 
-static void saveDib(Viewer *viewer, const char *path, HGLOBAL dib) {
+/* 0 for a file that is not there yet. */
+static DWORD pageCountOf(const char *path) {
+    const DWORD count = GetNumberOfImagesInTiffFile(path);
+    return count != 0xFFFFFFFF ? count : 0;
+}
+
+/* Of JPEG without the companion module the library tells itself; it is a success without a page, and without a note. */
+static void saveDib(Viewer *viewer, const char *path, HGLOBAL dib, const NoteRecord *note) {
+    const DWORD page = pageCountOf(path); /* the number of the new one */
     SetTiffError(VELLUM_OK);
-    if (!saveByDialog(viewer, path, dib) && TiffError() != VELLUM_OK) { /* no error: the user cancelled */
-        report(viewer, path, "The page could not be saved.");
+    if (!saveByDialog(viewer, path, dib)) {
+        if (TiffError() != VELLUM_OK) { /* no error: the user cancelled */
+            reportUndone(viewer, path, "The page could not be saved.");
+        }
+    } else if (note != NULL && pageCountOf(path) != page && !storeNote(path, page, note)) {
+        reportUndone(viewer, path, "The page was saved without its note.");
     }
     goToPage(&viewer->document, viewer->document.page); /* it may have been added to the file that is shown */
     updateFrame(viewer);
 }
 
-void saveAs(Viewer *viewer, HGLOBAL dib) {
+void saveAs(Viewer *viewer, HGLOBAL dib, const NoteRecord *note) {
     char path[MAX_PATH];
     if (askForNewPage(viewer, path)) {
-        saveDib(viewer, path, dib);
+        saveDib(viewer, path, dib, note);
     }
 }
 
-/* The page as the file has it: neither turned nor inverted. */
+/* The page as the file has it, with its note: neither turned nor inverted. */
 static void savePage(Viewer *viewer) {
     char path[MAX_PATH];
+    NoteRecord note = {TRUE, TRUE, NULL, 0, 0, 0, 0, NULL};
+    BOOL noted, tagTaken;
     HGLOBAL dib;
     if (!askForNewPage(viewer, path)) {
         return;
@@ -117,8 +158,10 @@ static void savePage(Viewer *viewer) {
         return;
     }
     /* A page whose data end early comes as far as it goes, with the error pending. */
-    if (TiffError() == VELLUM_OK || agrees(viewer, viewer->document.path, "The page is damaged. Save what there is?")) {
-        saveDib(viewer, path, dib);
+    if (TiffError() == VELLUM_OK || agreesToPart(viewer)) {
+        noted = readNote(&viewer->document, &note, &tagTaken);
+        saveDib(viewer, path, dib, noted ? &note : NULL);
+        freeNote(&note);
     }
     GlobalFree(dib);
 }

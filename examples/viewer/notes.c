@@ -1,6 +1,7 @@
 /*
  * Notes: the one that a page of a TIFF has is shown over it, and a click places one. A note is kept in a tag of the
- * page. It is read from the file for every painting, as the page itself is.
+ * page. It is read from the file for every painting, as the page itself is, and goes with the page into a file that the
+ * page is saved in. A note that is burned in is a part of the picture, which is saved: the file stays as it is.
  *
  * The library places notes by a scale and a point. That goes for every size that a page is shown in, also for one that
  * is fitted: the note's place is scaled, its text is not. Of rotation the library's functions for notes know nothing,
@@ -23,15 +24,16 @@ static void freeBlock(HGLOBAL block) {
     }
 }
 
+void freeNote(NoteRecord *note) {
+    freeBlock(note->text);
+    note->text = NULL;
+}
+
 /* ---------------------------------------------------------------- the tag ----------------------------------------- */
 
-/*
- * Reads the page's note, whose text the caller frees. Result: FALSE, with *note as it was, when there is none;
- * *tagTaken tells whether the tag is there for something else.
- */
-static BOOL readNote(const Document *document, NoteRecord *note, BOOL *tagTaken) {
+BOOL readNote(const Document *document, NoteRecord *note, BOOL *tagTaken) {
     BOOL found = FALSE;
-    TiffHandle tiff = OpenTiffFile(document->path, T_READ);
+    TiffHandle tiff = document->kind == VELLUM_SHOW_TIFF ? OpenTiffFile(document->path, T_READ) : NULL;
     *tagTaken = FALSE;
     if (tiff != NULL) {
         if (GetTiffImage(tiff, document->page)) {
@@ -44,28 +46,27 @@ static BOOL readNote(const Document *document, NoteRecord *note, BOOL *tagTaken)
 }
 
 /* The note as the tag has it: the library makes it a tag of the page in memory, from where it is taken. */
-static HGLOBAL tagValue(const Document *document, const NoteRecord *note, DWORD *length) {
+static HGLOBAL tagValue(const char *path, DWORD page, const NoteRecord *note, DWORD *length) {
     HGLOBAL value = NULL;
-    TiffHandle tiff = OpenTiffFile(document->path, T_READ);
+    TiffHandle tiff = OpenTiffFile(path, T_READ);
     if (tiff == NULL) {
         return NULL;
     }
-    if (!GetTiffImage(tiff, document->page) || !AddNoteTagToTiff(tiff, document->page, note) ||
-        !GetTiffImageInfoBuffer(tiff, document->page, TAG_NOTE, &value, NULL, length)) {
+    if (!GetTiffImage(tiff, page) || !AddNoteTagToTiff(tiff, page, note) ||
+        !GetTiffImageInfoBuffer(tiff, page, TAG_NOTE, &value, NULL, length)) {
         value = NULL;
     }
     CloseTiffFile(tiff);
     return value;
 }
 
-/* Writes the tag into the file. No handle may be open on it meanwhile. */
-static BOOL storeNote(const Document *document, const NoteRecord *note) {
+BOOL storeNote(const char *path, DWORD page, const NoteRecord *note) {
     DWORD length = 0;
-    HGLOBAL value = tagValue(document, note, &length);
+    HGLOBAL value = tagValue(path, page, note, &length);
     const void *bytes = value != NULL ? GlobalLock(value) : NULL;
     BOOL stored = FALSE;
     if (bytes != NULL) {
-        stored = AddTiffTagToImage(document->path, (LONG)document->page, TAG_NOTE, TYPE_ASCII, bytes, length) != 0;
+        stored = AddTiffTagToImage(path, (LONG)page, TAG_NOTE, TYPE_ASCII, bytes, length) != 0;
         GlobalUnlock(value);
     }
     freeBlock(value);
@@ -90,7 +91,7 @@ void paintNote(const Viewer *viewer, HDC dc) {
      */
     PaintNotePlus(viewer->window, dc, NULL, (double)(shown.right - shown.left) / size->width,
                   (double)(shown.bottom - shown.top) / size->height, &origin, &note);
-    freeBlock(note.text);
+    freeNote(&note);
 }
 
 /* ---------------------------------------------------------------- placing ----------------------------------------- */
@@ -111,22 +112,33 @@ static void askForNote(const Viewer *viewer, NoteRecord *note, const RECT *shown
     NotePlus(viewer->window, note, &place, &noOffset, zoom, 0);
 }
 
-/* Does with the note what the user chose. before: as it was when the dialog came. */
-static void keepNote(Viewer *viewer, const NoteRecord *note, const NoteRecord *before, BOOL tagTaken) {
+/* The page as it was when the dialog for its note came. */
+typedef struct NotedPage {
+    NoteRecord note;
+    BOOL tagTaken; /* for something else than a note */
+    BOOL damaged;  /* its picture goes only so far */
+} NotedPage;
+
+/* Does with the note what the user chose. */
+static void keepNote(Viewer *viewer, const NoteRecord *note, const NotedPage *page) {
     const Document *document = &viewer->document;
+    const NoteRecord *before = &page->note;
     if (note->image != before->image) {
-        saveAs(viewer, note->image); /* burned in: there is a new picture, and the file stays as it is */
+        if (!page->damaged || agreesToPart(viewer)) {
+            saveAs(viewer, note->image, NULL);
+        }
     } else if (note->text == before->text) {
         return; /* "Cancel" */
     } else if (note->text == NULL) {
         if (!DeleteTiffTagOfImage(document->path, (LONG)document->page, TAG_NOTE)) {
-            report(viewer, document->path, "The note could not be deleted.");
+            reportUndone(viewer, document->path, "The note could not be deleted.");
         }
     } else if (!note->inHeader) {
-        report(viewer, document->path, "The note could not be drawn into the picture.");
-    } else if (!tagTaken || agrees(viewer, document->path, "The name of a host computer gives way to the note?")) {
-        if (!storeNote(document, note)) {
-            report(viewer, document->path, "The note could not be stored.");
+        reportUndone(viewer, document->path, "The note could not be drawn into the picture.");
+    } else if (!page->tagTaken ||
+               agrees(viewer, document->path, "The name of a host computer gives way to the note?")) {
+        if (!storeNote(document->path, document->page, note)) {
+            reportUndone(viewer, document->path, "The note could not be stored.");
         }
     }
     InvalidateRect(viewer->window, NULL, TRUE);
@@ -135,27 +147,29 @@ static void keepNote(Viewer *viewer, const NoteRecord *note, const NoteRecord *b
 void placeNote(Viewer *viewer, POINT click) {
     const RECT shown = pageOnScreen(viewer);
     NoteRecord note = {TRUE, TRUE, NULL, 0, 0, 0, 0, NULL}; /* in the header, opaque */
-    NoteRecord before;
-    BOOL tagTaken;
+    NotedPage page;
+    NoteRecord *before = &page.note;
     if (!viewer->placing || !PtInRect(&shown, click)) {
         return; /* beside the page: the next click may be on it */
     }
     setPlacing(viewer, FALSE);
-    readNote(&viewer->document, &note, &tagTaken); /* a page has one note: it is the one that is changed, and moved */
-    note.image = loadPage(&viewer->document);      /* to be burned into; without it, the header is still there */
-    before = note;
+    /* A page has one note: it is the one that is changed, and moved. */
+    readNote(&viewer->document, &note, &page.tagTaken);
+    note.image = loadPage(&viewer->document); /* to be burned into; without it, the header is still there */
+    page.damaged = note.image != NULL && TiffError() != VELLUM_OK;
+    page.note = note;
     askForNote(viewer, &note, &shown, click);
-    keepNote(viewer, &note, &before, tagTaken);
+    keepNote(viewer, &note, &page);
 
     /* "Store" leaves the former text to its caller, burning the former picture. "Delete" frees the text itself. */
-    if (note.text != before.text) {
-        freeBlock(note.text);
+    if (note.text != before->text) {
+        freeNote(&note);
     }
-    if (note.text != NULL || note.image != before.image) {
-        freeBlock(before.text);
+    if (note.text != NULL || note.image != before->image) {
+        freeNote(before);
     }
-    if (note.image != before.image) {
+    if (note.image != before->image) {
         freeBlock(note.image);
     }
-    freeBlock(before.image);
+    freeBlock(before->image);
 }

@@ -117,6 +117,17 @@ RECT pageOnScreen(const Viewer *viewer);
 
 /* ---------------------------------------------------------------- notes.c ----------------------------------------- */
 
+/*
+ * Reads the page's note, whose text the caller frees. Result: FALSE, with *note as it was, when there is none;
+ * *tagTaken tells whether its tag is there for something else.
+ */
+BOOL readNote(const Document *document, NoteRecord *note, BOOL *tagTaken);
+
+/* Writes a note into a tag of a page. Result: FALSE, with TiffError telling why. No handle may be open on the file. */
+BOOL storeNote(const char *path, DWORD page, const NoteRecord *note);
+
+void freeNote(NoteRecord *note);
+
 /* Whether notes on the page are shown, and can be placed. */
 BOOL canHaveNote(const Viewer *viewer);
 
@@ -134,14 +145,20 @@ void placeNote(Viewer *viewer, POINT click);
 /* Shows a file; says so when it cannot, and leaves what is shown. */
 void openFile(Viewer *viewer, const char *path);
 
-/* Asks for a file, and saves a picture in it. */
-void saveAs(Viewer *viewer, HGLOBAL dib);
+/* Asks for a file, and saves a picture in it. note: what to store with it; NULL for none. */
+void saveAs(Viewer *viewer, HGLOBAL dib, const NoteRecord *note);
 
 /* Tells the user the message of the pending error, or `otherwise` when none is pending. */
 void report(const Viewer *viewer, const char *path, const char *otherwise);
 
+/* Tells the user what could not be done with a file, and why. */
+void reportUndone(const Viewer *viewer, const char *path, const char *what);
+
 /* Asks the user a question about a file. */
 BOOL agrees(const Viewer *viewer, const char *path, const char *question);
+
+/* Asks the user whether a page that is damaged is to be saved as far as it goes. */
+BOOL agreesToPart(const Viewer *viewer);
 
 /* Does what a menu item is for. */
 void runCommand(Viewer *viewer, UINT command);

@@ -205,7 +205,7 @@ TEST(ConvertCals, WhatIsNoCalsFileIsSaidSo) {
     const auto failure = [&folder](const char *name) { return folder.run({"convert", name, "out.tif"}); };
     expectFails(failure("short.cal"), "short.cal: page 1: File has not a valid CALS format.");
     expectFails(failure("type.cal"), "type.cal: page 1: File has not a valid CALS format.");
-    expectFails(failure("negative.cal"), "negative.cal: page 1: Not enough memory.");
+    expectFails(failure("negative.cal"), "negative.cal: page 1: the header claims a picture of -5 x 4 pixels.");
     expectFails(failure("damaged.cal"), "damaged.cal: page 1: Error during compression or decompression.");
     expectFails(failure("missing.cal"), "missing.cal: there is no such file.");
     EXPECT_EQ(failure("huge.cal").status, 1U);
@@ -301,6 +301,27 @@ TEST(InfoCals, TellsTheRecordsOfAHeaderThatDescribesNoPicture) {
     EXPECT_EQ(outcome.out, "in.cal: CALS raster file, 2048 bytes\n  record  keyword  value\n       0  notes    "
                            "\"lonely\"\n");
     expectFails(outcome, "in.cal: File has not a valid CALS format.");
+}
+
+TEST(InfoCals, TellsOfCountsBelow0) {
+    const WorkFolder folder;
+    folder.put("in.cal", calsFile(pictureRecords("-00001,000004"), {0x80}));
+    const Outcome outcome = folder.run({"info", "in.cal"});
+    EXPECT_EQ(outcome.out, "in.cal: CALS raster file, 2049 bytes\n"
+                           "  record  keyword  value\n"
+                           "       0  rtype    \"1\"\n"
+                           "       1  rorient  \"090,270\"\n"
+                           "       2  rpelcnt  \"-00001,000004\"\n"
+                           "       3  rdensty  \"0200\"\n");
+    expectFails(outcome, "in.cal: the header claims a picture of -1 x 4 pixels.");
+    folder.put("in.cal", calsFile(pictureRecords("5,-2147483648"), {0x80}));
+    const Outcome told = folder.run({"info", "--json", "in.cal"});
+    const Json document = JsonReader::read(told.out);
+    const Json &file = document["files"].items.at(0);
+    EXPECT_EQ(file["error"].whole(), DWORD{VELLUM_NO_MEMORY});
+    EXPECT_EQ(file["message"].text, "the header claims a picture of 5 x -2147483648 pixels.");
+    EXPECT_EQ(file["records"].items.size(), 4U);
+    expectFails(told, "in.cal: the header claims a picture of 5 x -2147483648 pixels.");
 }
 
 TEST(InfoCals, JsonHasTheNumbersAndTheRecords) {

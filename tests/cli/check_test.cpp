@@ -1,6 +1,8 @@
 // vellum check: a verdict for every page, whatever the files hold.
+#include "cals/cals_pictures.h"
 #include "cli/small_tiffs.h"
 #include "cli/vellum_process.h"
+#include "support/sample_manifest.h"
 
 #include <gtest/gtest.h>
 
@@ -84,6 +86,106 @@ ok      archive/b/UPPER.TIFF: page 1 of 1
     EXPECT_EQ(folder.run({"check", "archive\\b"}).out.rfind("ok      archive\\b\\UPPER.TIFF: page 1 of 1\n", 0), 0U);
 }
 
+TEST(Check, DecodesCalsFiles) {
+    const BilevelPicture picture = bilevelPicture(45, 23);
+    const WorkFolder folder;
+    folder.put("plate.cal", picture.file());
+    folder.put("drawing", picture.file()); // known by its content
+    folder.put("large.cals", bilevelPicture(2000, 700).file());
+    const Outcome outcome = folder.run({"check", "plate.cal", "drawing", "large.cals"});
+    EXPECT_EQ(outcome.out, R"(ok      plate.cal: page 1 of 1
+ok      drawing: page 1 of 1
+ok      large.cals: page 1 of 1
+3 pages in 3 files checked, no failure
+)");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+}
+
+// Blank lines of which each is a bit, so that it is known where a failure comes.
+TEST(Check, GoesOnAfterEveryKindOfFailureOfCalsFiles) {
+    const WorkFolder folder;
+    const auto put = [&folder](const std::string &name, const std::string &counts, const Bytes &code) {
+        folder.put(name, calsFile(pictureRecords(counts), code));
+    };
+    put("good.cal", "000009,000008", {0xFF});
+    put("cut.cal", "000009,000020", {0xFF, 0xFF});
+    put("ended.cal", "000009,000020", {0xFF, 0x00, 0x10, 0x01});
+    put("damaged.cal", "000009,000004", {1, 0, 0, 0x55, 0x55});
+    put("damaged later.cal", "000009,000020", {0xFF, 0xFF, 1, 0, 0, 0x55, 0x55});
+    put("bare.cal", "000009,000004", {});
+    put("negative.cal", "-5,4", {0xFF});
+    put("zero.cal", "000000,000004", {0xFF});
+    put("beyond.cal", "8000000,2100", Bytes(952, BYTE{0xFF}));
+    folder.put("type.cal", calsFile(without(pictureRecords(), "rtype"), {0xFF}));
+    folder.put("short.cal", Bytes(100, BYTE{' '}));
+    folder.put("tiff.cal", smallPage());
+    const Outcome outcome =
+        folder.run({"check", "cut.cal", "ended.cal", "damaged.cal", "damaged later.cal", "bare.cal", "negative.cal",
+                    "zero.cal", "beyond.cal", "type.cal", "short.cal", "tiff.cal", "missing.cal", "good.cal"});
+    EXPECT_EQ(outcome.out,
+              R"(FAILED  cut.cal: page 1 of 1: after line 16 of 20: Unexpected end of file in reading data.
+FAILED  ended.cal: page 1 of 1: after line 8 of 20: Unexpected End of Facsimile Block (EOFB)
+FAILED  damaged.cal: page 1 of 1: Error during compression or decompression.
+FAILED  damaged later.cal: page 1 of 1: after line 16 of 20: Error during compression or decompression.
+FAILED  bare.cal: page 1 of 1: Unexpected end of file in reading data.
+FAILED  negative.cal: the header claims a picture of -5 x 4 pixels.
+FAILED  zero.cal: File has not a valid CALS format.
+FAILED  beyond.cal: page 1 of 1: Not enough memory.
+FAILED  type.cal: File has not a valid CALS format.
+FAILED  short.cal: File has not a valid CALS format.
+FAILED  tiff.cal: File has not a valid CALS format.
+FAILED  missing.cal: there is no such file.
+ok      good.cal: page 1 of 1
+7 pages in 13 files checked, 12 failures
+)");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 1U);
+}
+
+TEST(Check, WalksFoldersOfBothKindsOfFiles) {
+    const BilevelPicture picture = bilevelPicture(45, 23);
+    Bytes cut = picture.file();
+    cut.resize(2050);
+    const WorkFolder folder;
+    folder.makeFolder("archive");
+    folder.makeFolder("archive/plates");
+    folder.put("archive/b.CAL", picture.file());
+    folder.put("archive/a.tif", smallPage());
+    folder.put("archive/c.tiff", picture.file()); // whatever its name is
+    folder.put("archive/calendar.txt", {'x'});
+    folder.put("archive/plates/d.Cals", picture.file());
+    folder.put("archive/plates/e.cal", {'t', 'e', 'x', 't'});
+    folder.put("archive/plates/drawing", picture.file()); // whose name does not tell
+    const Outcome outcome = folder.run({"check", "archive"});
+    EXPECT_EQ(outcome.out, R"(ok      archive/a.tif: page 1 of 1
+ok      archive/b.CAL: page 1 of 1
+ok      archive/c.tiff: page 1 of 1
+ok      archive/plates/d.Cals: page 1 of 1
+FAILED  archive/plates/e.cal: File has not a valid CALS format.
+4 pages in 5 files checked, 1 failure
+)");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 1U);
+    const Outcome quiet = folder.run({"check", "--quiet", "archive"});
+    EXPECT_EQ(quiet.out, "FAILED  archive/plates/e.cal: File has not a valid CALS format.\n");
+    EXPECT_EQ(quiet.status, 1U);
+}
+
+TEST(Check, KnowsWhichRealCalsFilesAreWhole) {
+    SKIP_WITHOUT_SAMPLES();
+    const WorkFolder folder;
+    for (const Sample &sample : samplesOfKind({"cals"})) {
+        SCOPED_TRACE(sample.file);
+        folder.put("real.cal", readFile(sample.path()).value_or(Bytes()));
+        const Outcome outcome = folder.run({"check", "-q", "real.cal"});
+        const bool good = !sample.pages().empty() && sample.pages().front()["clean"].isTrue();
+        EXPECT_EQ(outcome.status, good ? 0U : 1U) << outcome.out;
+        EXPECT_EQ(outcome.out.empty(), good);
+        EXPECT_EQ(outcome.err, "");
+    }
+}
+
 TEST(Check, TakesAFileThatIsNamedWhateverItsName) {
     const WorkFolder folder;
     folder.put("scan.0001", smallPage());
@@ -92,11 +194,11 @@ TEST(Check, TakesAFileThatIsNamedWhateverItsName) {
     EXPECT_EQ(outcome.status, 0U);
 }
 
-TEST(Check, AFolderWithoutAnyTiffFails) {
+TEST(Check, AFolderWithoutTiffAndCalsFilesFails) {
     const WorkFolder folder;
     folder.makeFolder("empty");
     const Outcome outcome = folder.run({"check", "empty"});
-    EXPECT_EQ(outcome.out, "FAILED  empty: there is no .tif or .tiff file in the folder.\n"
+    EXPECT_EQ(outcome.out, "FAILED  empty: there is no .tif, .tiff, .cal or .cals file in the folder.\n"
                            "0 pages in 0 files checked, 1 failure\n");
     EXPECT_EQ(outcome.status, 1U);
 }

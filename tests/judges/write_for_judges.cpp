@@ -8,9 +8,11 @@
 #include "support/tiff_builder.h"
 #include "write/packed_dibs.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -130,7 +132,15 @@ void addPage(const std::string &path, DWORD mode, LONG byteOrder, const Picture 
     need(tiff.add(tagsOf(picture, format, rows, fillOrder), source) == 1, path.c_str());
 }
 
-tiff::Bytes referenceOf(const Picture &picture, DWORD pages = 1) {
+// Dots per inch, in both directions.
+void addResolution(std::vector<tiff::Entry> &entries, DWORD dotsPerInch) {
+    entries.push_back(tiff::rationals(282, {dotsPerInch, 1}));
+    entries.push_back(tiff::rationals(283, {dotsPerInch, 1}));
+    entries.push_back(tiff::shorts(296, {2}));
+}
+
+// dotsPerInch: 0 for none.
+tiff::Bytes referenceOf(const Picture &picture, DWORD pages = 1, DWORD dotsPerInch = 0) {
     tiff::Builder file;
     for (DWORD page = 0; page < pages; ++page) {
         const bool rgb = picture.depth->bits == 24;
@@ -149,6 +159,9 @@ tiff::Bytes referenceOf(const Picture &picture, DWORD pages = 1) {
                 map.push_back(value);
             }
             entries.push_back(tiff::shorts(320, map));
+        }
+        if (dotsPerInch != 0) {
+            addResolution(entries, dotsPerInch);
         }
         file.page(entries, {picture.lines});
     }
@@ -264,10 +277,12 @@ void writeRaw(Folder &folder) {
 }
 
 // A DIB of a bilevel picture, 1 for black; or one with the colours and pixels exchanged.
-Bytes dibOf(const Picture &picture, bool blackFirst) {
-    const PackedDib layout(static_cast<LONG>(picture.width), static_cast<LONG>(picture.height), 1,
-                           blackFirst ? std::vector<RGBQUAD>{kBlackQuad, kWhiteQuad}
-                                      : std::vector<RGBQUAD>{kWhiteQuad, kBlackQuad});
+Bytes dibOf(const Picture &picture, bool blackFirst, LONG pelsPerMeter) {
+    PackedDib layout(static_cast<LONG>(picture.width), static_cast<LONG>(picture.height), 1,
+                     blackFirst ? std::vector<RGBQUAD>{kBlackQuad, kWhiteQuad}
+                                : std::vector<RGBQUAD>{kWhiteQuad, kBlackQuad});
+    layout.header.biXPelsPerMeter = pelsPerMeter;
+    layout.header.biYPelsPerMeter = pelsPerMeter;
     Bytes dib = layout.bytes();
     for (DWORD y = 0; y < picture.height; ++y) {
         const std::size_t row = 48 + (picture.height - 1 - y) * layout.stride();
@@ -279,29 +294,66 @@ Bytes dibOf(const Picture &picture, bool blackFirst) {
     return dib;
 }
 
-tiff::Bytes wrappedGroup4(const Picture &picture, const Bytes &code) {
-    tiff::Builder file;
-    file.page({tiff::longs(256, {picture.width}), tiff::longs(257, {picture.height}), tiff::shorts(258, {1}),
-               tiff::shorts(259, {4}), tiff::shorts(262, {0}), tiff::shorts(277, {1}),
-               tiff::longs(278, {picture.height})},
-              {code});
-    return file.bytes();
+// The numbers of a header's record, as a reader that knows nothing of the library takes them: a keyword at the start of
+// one of 16 times 128 bytes, digits with commas between them, and blanks up to the record's end.
+std::vector<DWORD> calsNumbers(const Bytes &file, std::string_view keyword) {
+    constexpr std::size_t kRecords = 16;
+    constexpr std::size_t kRecordBytes = 128;
+    const std::string_view text(reinterpret_cast<const char *>(file.data()), file.size());
+    std::vector<DWORD> numbers;
+    for (std::size_t i = 0; i < kRecords; ++i) {
+        const std::string_view record = text.substr(i * kRecordBytes, kRecordBytes);
+        if (!record.starts_with(keyword)) {
+            continue;
+        }
+        numbers.push_back(0);
+        const std::string_view value = record.substr(keyword.size());
+        const std::size_t end = value.find_last_not_of(' ') + 1;
+        for (const char c : value.substr(0, end)) {
+            need(c == ',' || (c >= '0' && c <= '9'), "reading a record of a CALS file");
+            if (c == ',') {
+                numbers.push_back(0);
+            } else {
+                numbers.back() = numbers.back() * 10 + static_cast<DWORD>(c - '0');
+            }
+        }
+    }
+    return numbers;
 }
 
-// CALS files: behind their 2048 bytes there is Group 4 code that any TIFF reader knows.
+// The TIFF that a CALS file says it is: behind its 2048 bytes there is Group 4 code that any TIFF reader knows, and in
+// them stand the picture's size and resolution.
+tiff::Bytes wrappedCals(const Bytes &file) {
+    constexpr std::size_t kHeaderBytes = 2048;
+    need(file.size() > kHeaderBytes, "reading a CALS file");
+    const std::vector<DWORD> type = calsNumbers(file, "rtype: ");
+    const std::vector<DWORD> size = calsNumbers(file, "rpelcnt: ");
+    const std::vector<DWORD> density = calsNumbers(file, "rdensty: ");
+    need(type == std::vector<DWORD>{1} && size.size() == 2 && density.size() == 1, "reading a CALS header");
+    std::vector<tiff::Entry> entries = {
+        tiff::longs(256, {size[0]}), tiff::longs(257, {size[1]}), tiff::shorts(258, {1}),     tiff::shorts(259, {4}),
+        tiff::shorts(262, {0}),      tiff::shorts(277, {1}),      tiff::longs(278, {size[1]})};
+    addResolution(entries, density[0]);
+    tiff::Builder wrapped;
+    wrapped.page(entries, {{file.begin() + kHeaderBytes, file.end()}});
+    return wrapped.bytes();
+}
+
 void writeCals(Folder &folder) {
-    for (const DWORD width : kWidths) {
-        const Picture picture = makePicture(width, 61, kDepths[0], width + 5);
+    constexpr DWORD kDotsPerInch[] = {72, 200, 300, 400, 600};
+    for (std::size_t i = 0; i < std::size(kWidths); ++i) {
+        const DWORD width = kWidths[i];
+        const DWORD dotsPerInch = kDotsPerInch[i];
+        const Picture picture = makePicture(width, 50 + width % 20, kDepths[0], width + 5);
         const std::string name = "cals-" + std::to_string(width);
-        folder.reference("ref-" + name + ".tif", referenceOf(picture));
+        folder.reference("ref-" + name + ".tif", referenceOf(picture, 1, dotsPerInch));
         for (const bool blackFirst : {false, true}) {
-            const DibBlock dib(dibOf(picture, blackFirst));
+            const LONG pelsPerMeter = static_cast<LONG>((dotsPerInch * 10000 + 127) / 254);
+            const DibBlock dib(dibOf(picture, blackFirst, pelsPerMeter));
             const std::string cals = folder.file(name + ".cal");
             need(SaveDIBInCALSFormat(cals.c_str(), dib.get(), nullptr, nullptr, 0) == 1, cals.c_str());
-            const Bytes file = readFile(cals).value_or(Bytes{});
-            need(file.size() > VELLUM_CALS_HEADER, cals.c_str());
             const std::string wrapped = name + (blackFirst ? "-black-first.tif" : ".tif");
-            folder.reference(wrapped, wrappedGroup4(picture, {file.begin() + VELLUM_CALS_HEADER, file.end()}));
+            folder.reference(wrapped, wrappedCals(readFile(cals).value_or(Bytes{})));
             folder.pair(wrapped, "ref-" + name + ".tif");
         }
     }

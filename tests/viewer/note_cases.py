@@ -55,6 +55,10 @@ class Notes(ViewerTest):
         """Leaves the dialog: alt+h keeps the note in the header, alt+i makes it a part of the picture."""
         viewer.press(choice, "Return")
 
+    def delete(self, viewer):
+        left, top, width, height = viewer.area("#32770")
+        self.screen.xdotool("mousemove", left + width * 207 // 240, top + height - 23, "click", 1)
+
     # ---- shown
 
     def test_a_page_with_a_note_shows_it_at_once_and_in_every_size(self):
@@ -126,8 +130,7 @@ class Notes(ViewerTest):
         told = self.notes(path)
         self.assertIn("opaque note from 50,40 to ", told)
         self.assertIn("\n    Hello note\n", told)
-        with open(path, "rb") as file:
-            self.assertIn(made_pages.quarters().data, file.read())
+        self.assertIn(made_pages.quarters().data, self.content(path))
 
         # The next one takes its place, with its text to begin with.
         self.place(viewer, 220, 200)
@@ -139,8 +142,7 @@ class Notes(ViewerTest):
         self.assertIn("from 220,200", self.notes(path))
 
         self.place(viewer, 10, 10)
-        left, top, width, height = viewer.area("#32770")
-        self.screen.xdotool("mousemove", left + width * 207 // 240, top + height - 23, "click", 1)  # "Delete"
+        self.delete(viewer)
         viewer.has_no_dialog()
         viewer.shows({(220, 200): YELLOW, (10, 10): RED})
         self.assertEqual(self.notes(path), "")
@@ -170,20 +172,128 @@ class Notes(ViewerTest):
         self.place(viewer, 50, 40)
         viewer.type("Hello note")
         self.store(viewer, "alt+i")
-        viewer.has_dialog("Save As")
-        viewer.type(windows_path(saved))
-        viewer.press("Return")
-        viewer.until(lambda: (viewer.dialog() or "").startswith("Saving"), "the save dialog")
-        viewer.press("Return")
-        viewer.has_no_dialog()
+        self.choose(viewer, saved)
+        self.take_save_dialog(viewer)
         viewer.shows({(50, 40): RED})
-        with open(os.path.join(self.options.work, "unburned.tif"), "rb") as file:
-            self.assertEqual(file.read(), made_pages.three_pages())
+        self.assertEqual(self.content(os.path.join(self.options.work, "unburned.tif")), made_pages.three_pages())
         self.assertEqual(self.notes(saved), "")
         viewer.probe.ask("drop", windows_path(saved))
         viewer.has_caption("burned.tif - page 1 of 1 - Viewer")
         viewer.shows({(50, 40): WHITE, (49, 40): RED, (50, 39): RED})
         self.assertGreater(self.black_pixels(viewer, 50, 40), 30)
+
+    def test_a_note_for_a_page_that_is_damaged_is_burned_in_after_a_question(self):
+        damaged = made_pages.cut_off()
+        path = os.path.join(self.options.work, "damaged.tif")
+        saved = os.path.join(self.options.work, "damaged burned.tif")
+        viewer = self.open(damaged, "damaged.tif")
+        viewer.press("ctrl+1")
+        viewer.shows({(50, 40): RED, (50, 150): BACKGROUND})
+        for answer in ("alt+n", "alt+y"):
+            self.place(viewer, 50, 40)
+            viewer.type("Hello note")
+            self.store(viewer, "alt+i")
+            viewer.has_dialog("Viewer")
+            self.assertIn("damaged.tif", viewer.dialog(0xFFFF))
+            self.assertIn("The page is damaged. Save what there is?", viewer.dialog(0xFFFF))
+            viewer.press(answer)
+            if answer == "alt+n":
+                viewer.has_no_dialog()
+                self.assertFalse(os.path.exists(saved))
+        self.choose(viewer, saved)
+        self.take_save_dialog(viewer)
+        self.assertEqual(self.content(path), damaged)
+        viewer.probe.ask("drop", windows_path(saved))
+        viewer.has_caption("damaged burned.tif - page 1 of 1 - Viewer")
+        viewer.shows({(50, 40): WHITE, (49, 40): RED, (250, 99): GREEN, (50, 101): BLACK, (350, 299): BLACK})
+
+    def test_a_note_for_a_file_that_is_write_protected_is_refused(self):
+        content = made_pages.tiff([noted(made_pages.quarters(), 220, 20), made_pages.fax()])
+        viewer = self.open(content, "protected.tif")
+        path = os.path.join(self.options.work, "protected.tif")
+        saved = os.path.join(self.options.work, "unprotected.tif")
+        os.chmod(path, 0o444)
+        viewer.press("ctrl+1")
+        viewer.shows(frame(220, 20, GREEN))
+
+        def is_told(*messages):
+            viewer.has_dialog("Viewer")
+            for message in ("protected.tif", "The file is write-protected.", *messages):
+                self.assertIn(message, viewer.dialog(0xFFFF))
+            viewer.press("Return")
+        self.place(viewer, 50, 40)
+        self.store(viewer, "alt+h")
+        is_told("The note could not be stored.")
+        viewer.has_no_dialog()
+        self.place(viewer, 50, 40)
+        self.delete(viewer)
+        is_told("The note could not be deleted.")
+        viewer.has_no_dialog()
+        viewer.shows(frame(220, 20, GREEN))
+        # Burned in, it is saved in another file: this one is refused, and the question comes again.
+        self.place(viewer, 50, 40)
+        self.store(viewer, "alt+i")
+        self.choose(viewer, path)
+        is_told()
+        self.choose(viewer, saved)
+        self.take_save_dialog(viewer)
+        self.assertEqual(self.content(path), content)
+        self.assertEqual(self.notes(saved), "")
+        viewer.press("Next")
+        viewer.has_caption("protected.tif - page 2 of 2 - Viewer")
+        viewer.probe.ask("drop", windows_path(saved))
+        viewer.shows({(50, 40): WHITE, (49, 40): RED, (220, 20): GREEN})
+
+    # ---- saved
+
+    def test_a_page_is_saved_with_its_note(self):
+        saved = os.path.join(self.options.work, "saved with notes.tif")
+        viewer = self.open(made_pages.tiff([noted(made_pages.quarters(), 220, 20, "Mine"), made_pages.fax(),
+                                            noted(made_pages.cells(), 5, 7, "Yours\r\nand more")]))
+        viewer.press("ctrl+r")  # that a turned page shows no note makes no difference
+        self.save(viewer, saved, 1)
+        self.assertEqual(self.notes(saved), "{}: page 1: opaque note from 220,20 to 310,36\n    Mine\n".format(
+            windows_path(saved)))
+        self.same_pixels(saved, 0, made_pages.quarters().data, "PackBits")
+        viewer.press("Next")
+        self.add(viewer, saved)
+        viewer.press("Next")
+        self.add(viewer, saved)
+        self.assertEqual(self.notes(saved), (
+            "{0}: page 1: opaque note from 220,20 to 310,36\n    Mine\n"
+            "{0}: page 3: opaque note from 5,7 to 95,23\n    Yours\n    and more\n").format(windows_path(saved)))
+        self.same_pixels(saved, 1, made_pages.fax().data, "None")
+        self.same_pixels(saved, 2, made_pages.cells().data, "None")
+        viewer.probe.ask("drop", windows_path(saved))
+        viewer.has_caption("saved with notes.tif - page 1 of 3 - Viewer")
+        viewer.press("ctrl+1")
+        viewer.shows(frame(220, 20, GREEN))
+
+    def test_a_page_that_is_added_to_its_own_file_takes_its_note_along(self):
+        viewer = self.open(made_pages.tiff([noted(made_pages.quarters(), 220, 20), made_pages.fax()]), "own.tif")
+        path = os.path.join(self.options.work, "own.tif")
+        self.add(viewer, path)
+        viewer.has_caption("own.tif - page 1 of 3 - Viewer")
+        viewer.press("ctrl+1", "End")
+        viewer.has_caption("own.tif - page 3 of 3 - Viewer")
+        viewer.shows(frame(220, 20, GREEN))
+
+    def test_a_note_stays_where_it_is_when_no_page_is_saved(self):
+        path = self.file("target.tif", made_pages.three_pages())
+        viewer = self.open(made_pages.tiff([noted(made_pages.quarters(), 220, 20)]))
+        self.add(viewer, path, "Escape")
+        # JPEG, which is above the first choice, too, wants a module that is not there.
+        self.add(viewer, path, "Up", "Return", message="DCTLIB.DLL")
+        self.assertEqual(self.content(path), made_pages.three_pages())
+
+    def test_that_a_note_could_not_be_saved_with_its_page_is_told(self):
+        # A directory beside the chain is one that a file cannot be rebuilt with.
+        target = made_pages.tiff([made_pages.fax().change((330, 4, [8]))])
+        path = self.file("beside.tif", target)
+        viewer = self.open(made_pages.tiff([noted(made_pages.quarters(), 220, 20)]))
+        self.add(viewer, path, "Return", message="The page was saved without its note.")
+        self.assertEqual(self.notes(path), "")
+        self.same_pixels(path, 1, made_pages.quarters().data, "None")
 
     def test_escape_and_other_commands_end_the_placing(self):
         viewer = self.open()

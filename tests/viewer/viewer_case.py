@@ -30,19 +30,47 @@ class ViewerTest(unittest.TestCase):
         """Starts a viewer with a file on its command line."""
         return self.start(windows_path(self.file(name, content or made_pages.three_pages())))
 
-    def save_as(self, viewer, path):
-        viewer.press("ctrl+s")
+    def content(self, path):
+        with open(path, "rb") as file:
+            return file.read()
+
+    def choose(self, viewer, path):
+        """Enters a path in the system's dialog for a file to save in."""
         viewer.has_dialog("Save As")
+        viewer.press("ctrl+a")
         viewer.type(windows_path(path))
         viewer.press("Return")
+
+    def save_as(self, viewer, path):
+        viewer.press("ctrl+s")
+        self.choose(viewer, path)
+
+    def take_save_dialog(self, viewer, *keys):
+        """Leaves the library's save dialog as it comes, or by these keys, with nothing more to be said."""
+        viewer.until(lambda: (viewer.dialog() or "").startswith("Saving"), "the save dialog")
+        viewer.press(*keys or ["Return"])
+        viewer.has_no_dialog()
 
     def save(self, viewer, path, downs):
         """Saves with the compression that is so many arrow keys away from the first one."""
         self.save_as(viewer, path)
-        viewer.until(lambda: (viewer.dialog() or "").startswith("Saving"), "the save dialog")
-        viewer.press(*["Down"] * downs, "Return")
-        viewer.has_no_dialog()
+        self.take_save_dialog(viewer, *["Down"] * downs, "Return")
         viewer.until(lambda: os.path.exists(path), "the file")
+
+    def add(self, viewer, path, *keys, message=None):
+        """Saves in a file that is there already; message: what is said at the end."""
+        self.save_as(viewer, path)
+        viewer.has_dialog("Viewer")
+        self.assertIn("Add the page", viewer.dialog(0xFFFF))
+        viewer.press("Return")
+        if message is None:
+            self.take_save_dialog(viewer, *keys)
+            return
+        viewer.until(lambda: (viewer.dialog() or "").startswith("Saving"), "the save dialog")
+        viewer.press(*keys)
+        viewer.until(lambda: message in (viewer.dialog(0xFFFF) or ""), "a message: " + message)
+        viewer.press("Return")
+        viewer.has_no_dialog()
 
     def same_pixels(self, path, page, data, compression):
         """libtiff's judgement of a page that was saved. Result: what else it tells of the page."""
