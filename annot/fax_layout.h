@@ -19,7 +19,8 @@ constexpr std::size_t kTabStops = 16;
 // What there is to know of a font, in the pixels of its device.
 struct FontMeasures {
     Pixels lineHeight = 0;
-    // From the start of a byte's character to that of the next one.
+    // From the start of a byte's character to that of the next one. By design every byte is a character: in code pages
+    // of two bytes for one a line's width is that of its bytes, and it is wrapped there, if need be within a pair.
     std::array<Pixels, 256> advances{};
     // What a text is wider than its characters' advances together.
     Pixels overhang = 0;

@@ -148,6 +148,7 @@ private:
         return false;
     }
 
+    // By design: no palette is selected with it. Only black and white are drawn, and they are the same in every one.
     bool select(HBITMAP page) {
         page_ = page;
         selectedPage_.emplace(dc_.get(), page);

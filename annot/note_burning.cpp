@@ -1,5 +1,5 @@
-// The text is drawn on a bilevel bitmap of the note's size, and that is put on a copy of the image. The copy keeps
-// depth, colours and resolution: a page of a fax stays one.
+// The text is drawn on a bilevel bitmap, as much of it as lies on the image, and that is put on a copy of the image.
+// The copy keeps depth, colours and resolution: a page of a fax stays one.
 #include "annot/note_burning.h"
 
 #include "annot/note_drawing.h"
@@ -13,14 +13,18 @@
 namespace vellum {
 namespace {
 
-// The length of the note as far as the image reaches; at least 0.
-LONG burnedLength(LONG first, LONG end, DWORD imageLength) {
-    const std::int64_t length = std::min(std::int64_t{end} - first, std::int64_t{imageLength} - first);
-    return static_cast<LONG>(std::clamp<std::int64_t>(length, 0, 0x7FFFFFFF));
+// The part of the note that lies on the image, counted from the image's corner; empty when there is none.
+RECT partOnImage(const NoteRecord &note, const DibView &image) {
+    const RECT part = {std::max(note.left, LONG{0}), std::max(note.top, LONG{0}),
+                       std::min(note.right, image.header().biWidth), std::min(note.bottom, image.header().biHeight)};
+    return part.left < part.right && part.top < part.bottom ? part : RECT{};
 }
 
-// The text, black on white, as a packed DIB of 1 bit per pixel.
-GlobalBlock drawnText(std::string_view text, LONG width, LONG height) {
+// That part of the note's paper, black on white, as a packed DIB of 1 bit per pixel. It is no larger than the image,
+// however far outside the note begins.
+GlobalBlock drawnText(std::string_view text, const NoteRecord &note, const RECT &part) {
+    const LONG width = part.right - part.left;
+    const LONG height = part.bottom - part.top;
     const OwnedBitmap bitmap(CreateBitmap(width, height, 1, 1, nullptr));
     const MemoryDc memory(nullptr);
     if (!bitmap || !memory) {
@@ -29,7 +33,8 @@ GlobalBlock drawnText(std::string_view text, LONG width, LONG height) {
     {
         const SelectedObject selected(memory.get(), bitmap.get());
         PatBlt(memory.get(), 0, 0, width, height, WHITENESS);
-        drawNoteLines(memory.get(), text, std::string_view::npos, {0, 0, width, height});
+        drawNoteLines(memory.get(), text, std::string_view::npos,
+                      {std::min(note.left, LONG{0}), std::min(note.top, LONG{0}), width, height});
     }
     return packBitmap(bitmap.get());
 }
@@ -54,16 +59,15 @@ GlobalBlock burnNote(const NoteRecord &note) {
         return {};
     }
     GlobalBlock burned = copyOf(note.image);
-    const LONG width = burnedLength(note.left, note.right, image.width());
-    const LONG height = burnedLength(note.top, note.bottom, image.height());
-    if (!burned || width == 0 || height == 0) {
+    const RECT part = partOnImage(note, image);
+    if (!burned || part.right == 0) {
         return burned;
     }
-    const GlobalBlock drawn = drawnText(text.get(), width, height);
+    const GlobalBlock drawn = drawnText(text.get(), note, part);
     if (!drawn) {
         return {};
     }
-    stamp(DibView(burned.get()), note.left, note.top, DibView(drawn.get()),
+    stamp(DibView(burned.get()), part.left, part.top, DibView(drawn.get()),
           note.opaque != 0 ? Ink::BlackAndWhite : Ink::BlackOnly);
     return burned;
 }

@@ -98,7 +98,6 @@ HBITMAP overlayBitmap(HBITMAP bitmap, const OverlayText &overlay) {
     if (bitmap == nullptr || !overlay.isThere()) {
         return nullptr;
     }
-    const WaitCursor wait;
     OwnedBitmap copy = copyBitmap(bitmap);
     return copy && drawOverlay(copy.get(), overlay) ? copy.release() : nullptr;
 }
@@ -108,7 +107,6 @@ HGLOBAL overlayDib(HGLOBAL dib, OverlayText overlay) {
     if (!view || !overlay.isThere()) {
         return nullptr;
     }
-    const WaitCursor wait;
     overlay.xResolution = wholeDotsPerInch(view.header().biXPelsPerMeter);
     overlay.yResolution = wholeDotsPerInch(view.header().biYPelsPerMeter);
     DrawableDib copy(view);
@@ -143,10 +141,12 @@ HGLOBAL VELLUMAPI DIBFormOverlay(const char *tiffPath, const FaxPageParams *para
 
 HBITMAP VELLUMAPI BitmapTextOverlay(HBITMAP bitmap, LONG x, LONG y, const char *text, const char *face, DWORD points,
                                     DWORD xResolution, DWORD yResolution) {
+    const vellum::WaitCursor wait;
     return vellum::overlayBitmap(bitmap, {x, y, text, face, points, xResolution, yResolution});
 }
 
 HGLOBAL VELLUMAPI DIBTextOverlay(HGLOBAL dib, LONG x, LONG y, const char *text, const char *face, DWORD points) {
+    const vellum::WaitCursor wait;
     return vellum::overlayDib(dib, {x, y, text, face, points, 0, 0});
 }
 

@@ -1186,6 +1186,9 @@ DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
  * right margin goes on below, behind its last blank or ! , - . : ; ? if it has one. A page is full when the next line
  * would begin in the bottom margin: a text that fills its page to the last line and ends that line has one more page.
  * DIBs have the record's resolutions.
+ *
+ * A line is as wide as its bytes are one by one. In an ANSI code page with characters of two bytes and more (932, 936,
+ * UTF-8) that is not what is drawn: lines are wrapped too early or too late there, perhaps within a character.
  */
 DWORD VELLUMAPI CreateFaxPageFromASCII(const FaxPageParams *params, DWORD maxPages, HANDLE *pages, DWORD kind,
                                        HBITMAP bitmap, DWORD *status);
@@ -1295,9 +1298,11 @@ INT_PTR VELLUMAPI NoteDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
  *   imageOffset        the image pixel that is shown at destinationOrigin; NULL for 0, 0
  *   xScale, yScale     pixels of the device for one of the image
  *   destinationOrigin  in the device context; NULL for 0, 0
- * The rectangle's place is scaled, its size is not. A line shows its first 40 characters, empty lines are left out. A
- * note that begins left of the image offset, or above it, is not drawn at all.
- * Result: 1 if it was drawn, else 0.
+ * The rectangle's place is scaled, its size is not. An opaque note's rectangle is filled once, before its lines, with
+ * the device context's background colour. A line shows its first 40 characters, empty lines are left out. A note that
+ * begins left of the image offset, or above it, is not drawn at all.
+ * Result: 1 if it was drawn, also where the clip region hides all of it or its rectangle is empty; 0 if there is no
+ * such note or no text, if it is not kept as one, if it begins outside, or if the device context cannot be saved.
  */
 LONG VELLUMAPI PaintNotePlus(HWND window, HDC dc, const POINT *imageOffset, double xScale, double yScale,
                              const POINT *destinationOrigin, const NoteRecord *note);

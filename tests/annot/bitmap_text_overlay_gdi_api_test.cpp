@@ -1,7 +1,7 @@
 // Text on a copy of a bitmap: where it lands, where it is cut off, and what is left behind.
-#include "annot/drawing_calls.h"
 #include "annot/overlays.h"
 #include "support/faults.h"
+#include "support/gdi_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -33,13 +33,13 @@ struct Overlay {
 Pixels drawn(const Overlay &overlay) {
     const TestBitmap picture = screenBitmap(kWidth, kHeight);
     const Pixels before = pixelsOf(picture.get());
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const LoadedBitmap result(overlay.on(picture.get()));
     EXPECT_TRUE(result);
     EXPECT_NE(result.get(), picture.get());
     EXPECT_TRUE(pixelsOf(picture.get()) == before);
-    EXPECT_EQ(DrawingCalls::counts().objects, 1);
-    EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 1);
+    EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     return pixelsOf(result.get());
 }
 
@@ -170,39 +170,39 @@ TEST(BitmapTextOverlay, TheCopyHasTheBitmapsSizeAndDepth) {
 
 TEST(BitmapTextOverlay, TheFontIsAllDefaultsButHeightAndFace) {
     const TestBitmap picture = monochromeBitmap(20, 20);
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const LoadedBitmap copy(BitmapTextOverlay(picture.get(), 0, 0, "x", "Times New Roman", 9, 300, 200));
     const LOGFONTA expectedFont = overlayFont("Times New Roman", 9, 200);
-    EXPECT_EQ(std::memcmp(&DrawingCalls::counts().font, &expectedFont, sizeof expectedFont), 0);
+    EXPECT_EQ(std::memcmp(&GdiCalls::counts().font, &expectedFont, sizeof expectedFont), 0);
     EXPECT_EQ(expectedFont.lfHeight, -25);
     const std::string face(100, 'q');
     const LoadedBitmap other(BitmapTextOverlay(picture.get(), 0, 0, "x", face.c_str(), 9, 0, 0));
-    EXPECT_EQ(std::string(DrawingCalls::counts().font.lfFaceName, LF_FACESIZE), face.substr(0, 31) + '\0');
+    EXPECT_EQ(std::string(GdiCalls::counts().font.lfFaceName, LF_FACESIZE), face.substr(0, 31) + '\0');
 }
 
 TEST(BitmapTextOverlay, WithoutBitmapTextOrFaceThereIsNoResult) {
     const TestBitmap picture = screenBitmap(20, 20);
-    const DrawingCalls calls;
+    const GdiCalls calls;
     EXPECT_EQ(BitmapTextOverlay(nullptr, 0, 0, "x", "Arial", 10, 0, 0), nullptr);
     EXPECT_EQ(BitmapTextOverlay(picture.get(), 0, 0, nullptr, "Arial", 10, 0, 0), nullptr);
     EXPECT_EQ(BitmapTextOverlay(picture.get(), 0, 0, "x", nullptr, 10, 0, 0), nullptr);
     EXPECT_EQ(BitmapTextOverlay(reinterpret_cast<HBITMAP>(0x1234), 0, 0, "x", "Arial", 10, 0, 0), nullptr);
-    EXPECT_EQ(DrawingCalls::counts().objects, 0);
-    EXPECT_EQ(DrawingCalls::made(Drawing::Context), 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 0);
+    EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::MemoryDc), 0);
 }
 
 TEST(BitmapTextOverlay, WhateverFailsNothingIsLeftBehind) {
     const TestBitmap picture = screenBitmap(20, 20);
     const TestBitmap section = sectionBitmap(20, 20, 8, manyColours(256));
     const Overlay overlay;
-    for (const Drawing kind : {Drawing::Page, Drawing::Context, Drawing::Selection}) {
-        const DrawingCalls calls(kind);
+    for (const auto kind : {GdiCalls::Fail::Bitmap, GdiCalls::Fail::MemoryDc, GdiCalls::Fail::Selection}) {
+        const GdiCalls calls(kind, 0);
         EXPECT_EQ(overlay.on(picture.get()), nullptr);
-        EXPECT_EQ(DrawingCalls::counts().objects, 0);
-        EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+        EXPECT_EQ(GdiCalls::counts().objects, 0);
+        EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     }
     {
-        const DrawingCalls calls(Drawing::Copy);
+        const GdiCalls calls(GdiCalls::Fail::CopyImage, 0);
         EXPECT_EQ(overlay.on(section.get()), nullptr);
     }
     {
@@ -210,7 +210,7 @@ TEST(BitmapTextOverlay, WhateverFailsNothingIsLeftBehind) {
         EXPECT_EQ(overlay.on(picture.get()), nullptr);
         EXPECT_TRUE(fault.happened());
     }
-    const DrawingCalls calls(Drawing::Font);
+    const GdiCalls calls(GdiCalls::Fail::Font, 0);
     const LoadedBitmap withoutFont(overlay.on(picture.get()));
     EXPECT_TRUE(withoutFont) << "the context's own font serves";
 }

@@ -1,7 +1,7 @@
 // Text on a copy of a DIB, by the DIB's own resolution and in its own colours.
-#include "annot/drawing_calls.h"
 #include "annot/overlays.h"
 #include "support/faults.h"
+#include "support/gdi_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -37,10 +37,10 @@ Pixels expected(const PackedDib &dib, const LOGFONTA &font, const RECT &clip, co
 // The overlay; the caller's DIB must stay as it is.
 Bytes overlaid(const PackedDib &dib, LONG x, LONG y, const char *text, DWORD points = 10) {
     const DibBlock block(dib);
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const HGLOBAL result = DIBTextOverlay(block.get(), x, y, text, "Arial", points);
-    EXPECT_EQ(DrawingCalls::counts().objects, 0);
-    EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 0);
+    EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     EXPECT_EQ(lockCount(block.get()), 0U);
     EXPECT_TRUE(blockBytes(block.get()) == dib.bytes()) << "the DIB has changed";
     EXPECT_NE(result, block.get());
@@ -149,7 +149,7 @@ TEST(DibTextOverlay, ADibThatIsNotTakenGivesNoResult) {
     dibs[3].header.biBitCount = 2;
     dibs[4].header.biHeight = 0x7FFFFFFF;
     dibs[5].header.biClrUsed = 257;
-    const DrawingCalls calls;
+    const GdiCalls calls;
     for (const PackedDib &dib : dibs) {
         PackedDib sound = picture(8);
         Bytes bytes = sound.bytes();
@@ -161,23 +161,23 @@ TEST(DibTextOverlay, ADibThatIsNotTakenGivesNoResult) {
     cut.pop_back();
     EXPECT_EQ(DIBTextOverlay(DibBlock(cut).get(), 0, 0, "x", "Arial", 10), nullptr);
     EXPECT_EQ(DIBTextOverlay(DibBlock(Bytes(10)).get(), 0, 0, "x", "Arial", 10), nullptr);
-    EXPECT_EQ(DrawingCalls::counts().objects, 0);
-    EXPECT_EQ(DrawingCalls::made(Drawing::Section), 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 0);
+    EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::DibSection), 0);
 }
 
 TEST(DibTextOverlay, WhateverFailsNothingIsLeftBehind) {
     const DibBlock block(picture(8));
-    for (const Drawing kind : {Drawing::Section, Drawing::Context, Drawing::Selection}) {
-        const DrawingCalls calls(kind);
+    for (const auto kind : {GdiCalls::Fail::DibSection, GdiCalls::Fail::MemoryDc, GdiCalls::Fail::Selection}) {
+        const GdiCalls calls(kind, 0);
         EXPECT_EQ(DIBTextOverlay(block.get(), 0, 0, "x", "Arial", 10), nullptr);
-        EXPECT_EQ(DrawingCalls::counts().objects, 0);
-        EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+        EXPECT_EQ(GdiCalls::counts().objects, 0);
+        EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     }
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const FailNth fault(Call::Allocate, 0);
     EXPECT_EQ(DIBTextOverlay(block.get(), 0, 0, "x", "Arial", 10), nullptr);
     EXPECT_TRUE(fault.happened());
-    EXPECT_EQ(DrawingCalls::counts().objects, 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 0);
     EXPECT_EQ(lockCount(block.get()), 0U);
 }
 

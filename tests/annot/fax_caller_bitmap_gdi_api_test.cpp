@@ -1,6 +1,6 @@
 // Fax pages whose first page is the caller's bitmap, and fonts that the caller describes.
-#include "annot/drawing_calls.h"
 #include "annot/fax_pages.h"
+#include "support/gdi_calls.h"
 #include "support/global_memory.h"
 #include "write/bitmaps.h"
 
@@ -66,11 +66,11 @@ TEST(FaxOnABitmap, WithBitmapsTheOtherPagesAreTheLibrarys) {
     const TextFile file(manyLines());
     const FaxPageParams params = smallPage(file.path());
     const TestBitmap bitmap = monochromeBitmap(400, 300);
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const FaxResult result(params, VELLUM_FAX_BITMAPS, 5, bitmap.get());
     ASSERT_EQ(result.count(), 2U);
     EXPECT_EQ(result.bitmap(0), bitmap.get());
-    EXPECT_EQ(DrawingCalls::counts().objects, 1);
+    EXPECT_EQ(GdiCalls::counts().objects, 1);
     EXPECT_TRUE(pixelsOf(result.bitmap(1)) == PlainFax(params, manyLines(), expectedFont(params)).pages()[1])
         << "white but for its text";
 }
@@ -80,11 +80,11 @@ TEST(FaxOnABitmap, WithDibsEveryPageIsDrawnOnItInTurn) {
     const FaxPageParams params = smallPage(file.path());
     const TestBitmap bitmap = monochromeBitmap(400, 300);
     const FaxResult onPicture(params, VELLUM_FAX_BITMAPS, 1, monochromeBitmap(400, 300).get());
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const FaxResult result(params, VELLUM_FAX_DIBS, 5, bitmap.get());
     ASSERT_EQ(result.count(), 2U);
-    EXPECT_EQ(DrawingCalls::counts().objects, 0);
-    EXPECT_EQ(DrawingCalls::made(Drawing::Page), 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 0);
+    EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Bitmap), 0);
     const std::vector<Pixels> plain = PlainFax(params, manyLines(), expectedFont(params)).pages();
     const Pixels first = pixelsOf(Dib(makeBlock(blockBytes(result.handle(0)))));
     std::vector<std::string> lines;
@@ -143,13 +143,13 @@ TEST(FaxOnABitmap, WhateverFailsTheBitmapStaysTheCallers) {
         const TestBitmap bitmap = screenBitmap(30, 20);
         const Pixels before = pixelsOf(bitmap.get());
         {
-            const DrawingCalls calls;
+            const GdiCalls calls;
             const FaxResult result(none, kind, 1, bitmap.get());
             EXPECT_EQ(result.status(), DWORD{VELLUM_FAX_NO_TEXT});
-            EXPECT_EQ(DrawingCalls::counts().objects, 0);
+            EXPECT_EQ(GdiCalls::counts().objects, 0);
         }
         {
-            const DrawingCalls calls(Drawing::Context);
+            const GdiCalls calls(GdiCalls::Fail::MemoryDc, 0);
             const FaxResult result(smallPage(file.path()), kind, 1, bitmap.get());
             EXPECT_EQ(result.status(), DWORD{VELLUM_FAX_NO_MEMORY});
         }
@@ -184,11 +184,11 @@ TEST(FaxFont, ADescriptionReplacesFaceItalicAndBoldButNotTheSize) {
     params.flags |= VELLUM_FAX_BOLD | VELLUM_FAX_ITALIC;
     LOGFONTA expected = font;
     expected.lfHeight = -17; // 12 points at 100 dots per inch are 16.67 pixels
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const FaxResult result(params, VELLUM_FAX_BITMAPS);
     ASSERT_EQ(result.count(), 1U);
-    EXPECT_EQ(std::memcmp(&DrawingCalls::counts().font, &expected, offsetof(LOGFONTA, lfFaceName)), 0);
-    EXPECT_STREQ(DrawingCalls::counts().font.lfFaceName, "Times New Roman");
+    EXPECT_EQ(std::memcmp(&GdiCalls::counts().font, &expected, offsetof(LOGFONTA, lfFaceName)), 0);
+    EXPECT_STREQ(GdiCalls::counts().font.lfFaceName, "Times New Roman");
     EXPECT_EQ(font.lfHeight, 77) << "the caller's record stays as it is";
     EXPECT_TRUE(result.pixels() == PlainFax(params, "Some text in the font described.", expected).pages());
 }
@@ -198,9 +198,9 @@ TEST(FaxFont, WithoutAFaceTheDescriptionIsNotLookedAt) {
     FaxPageParams params = smallPage(file.path());
     params.fontFace[0] = '\0';
     params.fontDescription = reinterpret_cast<const LOGFONTA *>(0x10);
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const FaxResult result(params, VELLUM_FAX_BITMAPS);
-    EXPECT_EQ(DrawingCalls::made(Drawing::Font), 0);
+    EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Font), 0);
     EXPECT_TRUE(result.pixels() == PlainFax(params, "Some text.", std::nullopt).pages());
 }
 
@@ -209,9 +209,9 @@ TEST(FaxFont, TheRecordsFontIsAskedForInFull) {
     FaxPageParams params = smallPage(file.path());
     for (const DWORD flags : {DWORD{0}, DWORD{VELLUM_FAX_ITALIC}, DWORD{VELLUM_FAX_BOLD}}) {
         params.flags = VELLUM_FAX_HUNDREDTHS | flags;
-        const DrawingCalls calls;
+        const GdiCalls calls;
         const FaxResult result(params, VELLUM_FAX_BITMAPS);
-        const LOGFONTA &font = DrawingCalls::counts().font;
+        const LOGFONTA &font = GdiCalls::counts().font;
         EXPECT_EQ(font.lfHeight, -17);
         EXPECT_EQ(font.lfWidth, 0);
         EXPECT_EQ(font.lfWeight, flags == VELLUM_FAX_BOLD ? 700 : 400);
@@ -225,14 +225,14 @@ TEST(FaxFont, AFaceThatIsTooLongIsCut) {
     const TextFile file("x");
     FaxPageParams params = smallPage(file.path());
     std::memset(params.fontFace, 'f', sizeof params.fontFace);
-    const DrawingCalls calls;
+    const GdiCalls calls;
     EXPECT_EQ(FaxResult(params, VELLUM_FAX_BITMAPS).count(), 1U);
-    EXPECT_EQ(std::string(DrawingCalls::counts().font.lfFaceName, LF_FACESIZE), std::string(31, 'f') + '\0');
+    EXPECT_EQ(std::string(GdiCalls::counts().font.lfFaceName, LF_FACESIZE), std::string(31, 'f') + '\0');
     LOGFONTA font{};
     std::memset(font.lfFaceName, 'g', sizeof font.lfFaceName);
     params.fontDescription = &font;
     EXPECT_EQ(FaxResult(params, VELLUM_FAX_BITMAPS).count(), 1U);
-    EXPECT_EQ(std::string(DrawingCalls::counts().font.lfFaceName, LF_FACESIZE), std::string(31, 'g') + '\0');
+    EXPECT_EQ(std::string(GdiCalls::counts().font.lfFaceName, LF_FACESIZE), std::string(31, 'g') + '\0');
 }
 
 TEST(FaxOnABitmap, ALineOfAMillionCharactersIsDrawnAsFarAsItIsSeen) {

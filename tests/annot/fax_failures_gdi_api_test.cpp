@@ -1,7 +1,7 @@
 // Fax pages that cannot be made: what the status says, how many pages there are, and that nothing is left behind.
-#include "annot/drawing_calls.h"
 #include "annot/fax_pages.h"
 #include "support/faults.h"
+#include "support/gdi_calls.h"
 #include "support/global_memory.h"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ TEST(FaxFailures, WithoutRecordArrayOrRoomThereIsNothingToDo) {
     const FaxPageParams params = smallPage(file.path());
     HANDLE page = nullptr;
     DWORD status = 7;
-    const DrawingCalls calls;
+    const GdiCalls calls;
     EXPECT_EQ(CreateFaxPageFromASCII(nullptr, 1, &page, VELLUM_FAX_BITMAPS, nullptr, &status), 0U);
     EXPECT_EQ(status, DWORD{VELLUM_FAX_NOTHING_TO_DO});
     status = 7;
@@ -37,7 +37,7 @@ TEST(FaxFailures, WithoutRecordArrayOrRoomThereIsNothingToDo) {
     EXPECT_EQ(status, DWORD{VELLUM_FAX_NOTHING_TO_DO});
     EXPECT_EQ(CreateFaxPageFromASCII(nullptr, 1, &page, VELLUM_FAX_BITMAPS, nullptr, nullptr), 0U);
     EXPECT_EQ(page, nullptr);
-    EXPECT_EQ(DrawingCalls::made(Drawing::Context), 0);
+    EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::MemoryDc), 0);
 }
 
 TEST(FaxFailures, TheStatusCodesAreZeroToFour) {
@@ -53,13 +53,13 @@ TEST(FaxFailures, TextBehindTheLastPageIsReported) {
     const FaxPageParams params = smallPage(file.path());
     for (const DWORD kind : kKinds) {
         for (const DWORD most : {1U, 2U}) {
-            const DrawingCalls calls;
+            const GdiCalls calls;
             const FaxResult result(params, kind, most);
             EXPECT_EQ(result.count(), most);
             EXPECT_EQ(result.status(), DWORD{VELLUM_FAX_PAGE_LIMIT});
-            EXPECT_EQ(DrawingCalls::counts().objects, kind == VELLUM_FAX_BITMAPS ? static_cast<int>(most) : 0)
+            EXPECT_EQ(GdiCalls::counts().objects, kind == VELLUM_FAX_BITMAPS ? static_cast<int>(most) : 0)
                 << "the page behind the last one is deleted";
-            EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+            EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
         }
     }
 }
@@ -88,13 +88,13 @@ TEST(FaxFailures, ATextThatCannotBeOpenedIsReported) {
     const TextFile gone("");
     FaxPageParams params = smallPage("no such folder\\no such file.txt");
     for (const DWORD kind : kKinds) {
-        const DrawingCalls calls;
+        const GdiCalls calls;
         const FaxResult result(params, kind);
         EXPECT_EQ(result.count(), 0U);
         EXPECT_EQ(result.status(), DWORD{VELLUM_FAX_NO_TEXT});
         EXPECT_TRUE(result.untouchedFrom(0));
-        EXPECT_EQ(DrawingCalls::counts().objects, 0);
-        EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+        EXPECT_EQ(GdiCalls::counts().objects, 0);
+        EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     }
     params.textFile[0] = '\0';
     EXPECT_EQ(FaxResult(params, VELLUM_FAX_BITMAPS).status(), DWORD{VELLUM_FAX_NO_TEXT});
@@ -148,18 +148,19 @@ TEST(FaxFailures, WhateverCannotBeMadeTheRestIsGivenBack) {
     const TextFile file(threePages());
     const FaxPageParams params = smallPage(file.path());
     struct Case {
-        Drawing kind;
+        GdiCalls::Fail kind;
         int nth;
         DWORD pages; // with bitmaps
     };
-    for (const Case &entry : {Case{Drawing::Context, 0, 0}, Case{Drawing::Page, 0, 0}, Case{Drawing::Page, 1, 1},
-                              Case{Drawing::Page, 2, 2}, Case{Drawing::Selection, 0, 0}}) {
-        const DrawingCalls calls(entry.kind, entry.nth);
+    for (const Case &entry :
+         {Case{GdiCalls::Fail::MemoryDc, 0, 0}, Case{GdiCalls::Fail::Bitmap, 0, 0}, Case{GdiCalls::Fail::Bitmap, 1, 1},
+          Case{GdiCalls::Fail::Bitmap, 2, 2}, Case{GdiCalls::Fail::Selection, 0, 0}}) {
+        const GdiCalls calls(entry.kind, entry.nth);
         const FaxResult result(params, VELLUM_FAX_BITMAPS);
         EXPECT_EQ(result.count(), entry.pages);
         EXPECT_EQ(result.status(), DWORD{VELLUM_FAX_NO_MEMORY});
-        EXPECT_EQ(DrawingCalls::counts().objects, static_cast<int>(entry.pages));
-        EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+        EXPECT_EQ(GdiCalls::counts().objects, static_cast<int>(entry.pages));
+        EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
         EXPECT_TRUE(result.untouchedFrom(entry.pages));
     }
 }
@@ -167,7 +168,7 @@ TEST(FaxFailures, WhateverCannotBeMadeTheRestIsGivenBack) {
 TEST(FaxFailures, AFontThatCannotBeMadeIsReplacedByTheContextsOwn) {
     const TextFile file("some text");
     const FaxPageParams params = smallPage(file.path());
-    const DrawingCalls calls(Drawing::Font);
+    const GdiCalls calls(GdiCalls::Fail::Font, 0);
     const FaxResult result(params, VELLUM_FAX_BITMAPS);
     ASSERT_EQ(result.count(), 1U);
     EXPECT_TRUE(result.pixels() == PlainFax(params, "some text", std::nullopt).pages());
@@ -178,11 +179,11 @@ TEST(FaxFailures, AfterEveryAllocationFaultThePagesSoFarAreThere) {
     const FaxPageParams params = smallPage(file.path());
     const std::vector<Pixels> expected = PlainFax(params, threePages(), expectedFont(params)).pages();
     for (long nth = 0;; ++nth) {
-        const DrawingCalls calls;
+        const GdiCalls calls;
         const FailNth fault(Call::Allocate, nth);
         const FaxResult result(params, VELLUM_FAX_DIBS);
-        EXPECT_EQ(DrawingCalls::counts().objects, 0);
-        EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+        EXPECT_EQ(GdiCalls::counts().objects, 0);
+        EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
         if (!fault.happened()) {
             EXPECT_EQ(result.status(), DWORD{VELLUM_FAX_COMPLETE});
             EXPECT_GE(nth, 3);
@@ -200,13 +201,13 @@ TEST(FaxFailures, AfterEveryAllocationFaultThePagesSoFarAreThere) {
 TEST(FaxFailures, OnSuccessOnlyThePagesAreLeft) {
     const TextFile file(threePages());
     const FaxPageParams params = smallPage(file.path());
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const FaxResult bitmaps(params, VELLUM_FAX_BITMAPS);
-    EXPECT_EQ(DrawingCalls::counts().objects, static_cast<int>(bitmaps.count()));
-    EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+    EXPECT_EQ(GdiCalls::counts().objects, static_cast<int>(bitmaps.count()));
+    EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     const FaxResult dibs(params, VELLUM_FAX_DIBS);
-    EXPECT_EQ(DrawingCalls::counts().objects, static_cast<int>(bitmaps.count()));
-    EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+    EXPECT_EQ(GdiCalls::counts().objects, static_cast<int>(bitmaps.count()));
+    EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     // A file that is still open could not be deleted.
     EXPECT_NE(DeleteFileA(file.path()), FALSE);
 }
@@ -241,10 +242,10 @@ TEST(FaxFailures, RecordsWithoutMeaningMakePagesAllTheSame) {
         for (const DWORD value : {kMost, DWORD{0x7FFFFFFF}, DWORD{0x80000000}, DWORD{100000}, DWORD{5000}}) {
             FaxPageParams params = smallPage(file.path());
             params.*field = value;
-            const DrawingCalls calls;
+            const GdiCalls calls;
             const FaxResult result(params, VELLUM_FAX_BITMAPS, 3);
             EXPECT_GE(result.count(), 1U);
-            EXPECT_EQ(DrawingCalls::counts().objects, static_cast<int>(result.count()));
+            EXPECT_EQ(GdiCalls::counts().objects, static_cast<int>(result.count()));
         }
     }
     FaxPageParams tabs = smallPage(file.path());

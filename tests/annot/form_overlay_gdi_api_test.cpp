@@ -1,7 +1,7 @@
 // A text file printed on a form out of a TIFF.
-#include "annot/drawing_calls.h"
 #include "annot/overlays.h"
 #include "display/pictures.h"
+#include "support/gdi_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -26,15 +26,15 @@ TEST(FormOverlay, TheTextIsDrawnOverTheFormAtEveryDepth) {
         const Pixels expected = formWithText(form.path(), params, {"Name: A. Clerk", "Date: today"});
         ASSERT_EQ(expected.size(), 400U * 300U);
         EXPECT_FALSE(expected == pixelsOf(LoadedBitmap(LoadTiffIntoBitmap(form.path(), 0, 0)).get()));
-        const DrawingCalls calls;
+        const GdiCalls calls;
         const LoadedBitmap bitmap(BitmapFormOverlay(form.path(), &params));
         ASSERT_TRUE(bitmap);
-        EXPECT_EQ(DrawingCalls::counts().objects, 1);
+        EXPECT_EQ(GdiCalls::counts().objects, 1);
         EXPECT_TRUE(pixelsOf(bitmap.get()) == expected);
         const Dib dib(DIBFormOverlay(form.path(), &params));
         ASSERT_TRUE(dib);
-        EXPECT_EQ(DrawingCalls::counts().objects, 1) << "the form's bitmap is deleted";
-        EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+        EXPECT_EQ(GdiCalls::counts().objects, 1) << "the form's bitmap is deleted";
+        EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
         EXPECT_EQ(dib.header().biBitCount, depth.bitsPerPixel() == 1 ? 1 : 24);
         EXPECT_TRUE(pixelsOf(dib) == expected);
     }
@@ -65,10 +65,10 @@ TEST(FormOverlay, OnlyTheFirstPageOfTheTextIsUsed) {
     const int lineHeight = ExpectedPage(1, 1, expectedFont(params)).extent("M").cy;
     all.resize(static_cast<std::size_t>((260 + lineHeight - 1) / lineHeight));
     const Pixels expected = formWithText(form.path(), params, all);
-    const DrawingCalls calls;
+    const GdiCalls calls;
     const LoadedBitmap bitmap(BitmapFormOverlay(form.path(), &params));
     EXPECT_TRUE(pixelsOf(bitmap.get()) == expected);
-    EXPECT_EQ(DrawingCalls::counts().objects, 1);
+    EXPECT_EQ(GdiCalls::counts().objects, 1);
     const Dib dib(DIBFormOverlay(form.path(), &params));
     EXPECT_TRUE(pixelsOf(dib) == expected);
 }
@@ -78,13 +78,13 @@ TEST(FormOverlay, WithoutATextTheBitmapIsTheFormAndThereIsNoDib) {
     const Pixels plain = pixelsOf(LoadedBitmap(LoadTiffIntoBitmap(form.path(), 0, 0)).get());
     const FaxPageParams missing = smallPage("no such file");
     for (const FaxPageParams *params : {&missing, static_cast<const FaxPageParams *>(nullptr)}) {
-        const DrawingCalls calls;
+        const GdiCalls calls;
         const LoadedBitmap bitmap(BitmapFormOverlay(form.path(), params));
         ASSERT_TRUE(bitmap);
         EXPECT_TRUE(pixelsOf(bitmap.get()) == plain);
         EXPECT_EQ(DIBFormOverlay(form.path(), params), nullptr);
-        EXPECT_EQ(DrawingCalls::counts().objects, 1);
-        EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+        EXPECT_EQ(GdiCalls::counts().objects, 1);
+        EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
     }
 }
 
@@ -92,7 +92,7 @@ TEST(FormOverlay, WithoutAFormThereIsNoResult) {
     const TextFile text("x");
     const FaxPageParams params = smallPage(text.path());
     const TempFile noTiff(Bytes{'x', 'y', 'z'});
-    const DrawingCalls calls;
+    const GdiCalls calls;
     EXPECT_EQ(BitmapFormOverlay("no such file.tif", &params), nullptr);
     EXPECT_EQ(TiffError(), DWORD{VELLUM_IO_ERROR});
     EXPECT_EQ(DIBFormOverlay("no such file.tif", &params), nullptr);
@@ -100,8 +100,8 @@ TEST(FormOverlay, WithoutAFormThereIsNoResult) {
     EXPECT_NE(TiffError(), DWORD{VELLUM_OK});
     EXPECT_EQ(DIBFormOverlay(noTiff.path(), &params), nullptr);
     EXPECT_EQ(BitmapFormOverlay(nullptr, &params), nullptr);
-    EXPECT_EQ(DrawingCalls::counts().objects, 0);
-    EXPECT_EQ(DrawingCalls::counts().contexts, 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 0);
+    EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
 }
 
 TEST(FormOverlay, TheFormIsImageZeroAndItsFileStays) {
@@ -122,10 +122,10 @@ TEST(FormOverlay, AFormWhosePageCannotBeDrawnOnIsStillTheForm) {
     const TextFile text("x");
     const TempFile form(formFile());
     const FaxPageParams params = smallPage(text.path());
-    const DrawingCalls calls(Drawing::Context);
+    const GdiCalls calls(GdiCalls::Fail::MemoryDc, 0);
     const LoadedBitmap bitmap(BitmapFormOverlay(form.path(), &params));
     EXPECT_TRUE(bitmap);
-    EXPECT_EQ(DrawingCalls::counts().objects, 1);
+    EXPECT_EQ(GdiCalls::counts().objects, 1);
 }
 
 } // namespace

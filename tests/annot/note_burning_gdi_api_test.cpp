@@ -187,6 +187,22 @@ TEST(NoteBurning, OfAHugeTextNeedsNoMoreThanTheImageDoes) {
     EXPECT_EQ(GlobalSize(burned.record.image), burned.before.bytes().size());
 }
 
+TEST(NoteBurning, DeletesEveryObjectThatItMakes) {
+    for (const WORD bits : {WORD{1}, WORD{4}, WORD{8}, WORD{24}}) {
+        for (const LONG opaque : {0, 1}) {
+            const GdiCalls calls;
+            const Burned burned(pictureOf(bits), "Hello\r\nworld", 20, 10, opaque);
+            EXPECT_EQ(burned.result, 1);
+            EXPECT_EQ(GdiCalls::counts().objects, 0);
+            EXPECT_EQ(GdiCalls::counts().contexts, 0);
+            EXPECT_EQ(GdiCalls::counts().memoryContexts, 0);
+            EXPECT_EQ(GdiCalls::counts().deletedInUse, 0);
+            EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Brush), 1);
+            EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Bitmap), 1);
+        }
+    }
+}
+
 // ---------------------------------------------------------------- failures
 
 TEST(NoteBurning, WithoutMemoryLeavesTextAndImage) {
@@ -232,7 +248,8 @@ TEST(NoteBurning, WithoutABitmapOrADeviceContextLeavesTextAndImage) {
             EXPECT_EQ(burn(record), 0);
             EXPECT_EQ(GdiCalls::counts().memoryContexts, 0);
             EXPECT_EQ(GdiCalls::counts().contexts, 0);
-            EXPECT_LE(GdiCalls::counts().objects, 0);
+            EXPECT_EQ(GdiCalls::counts().objects, 0);
+            EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Brush), 1) << "the dialog's, which goes with it";
         }
         EXPECT_NE(record.text, nullptr);
         EXPECT_EQ(record.image, image.get());

@@ -254,34 +254,24 @@ TEST(NoteDialog, WithoutMemoryForTheTextStoreIsLikeCancel) {
     EXPECT_EQ(lockCount(note.record.text), 0U);
 }
 
-int brushesMade = 0;
-int objectsDeleted = 0;
-ImportPatch makingBrushes;
-ImportPatch deletingObjects;
-
-HBRUSH WINAPI countBrush(COLORREF colour) {
-    ++brushesMade;
-    return makingBrushes.original<decltype(CreateSolidBrush)>()(colour);
-}
-
-BOOL WINAPI countDeletion(HGDIOBJ object) {
-    ++objectsDeleted;
-    return deletingObjects.original<decltype(DeleteObject)>()(object);
-}
-
 TEST(NoteDialog, GivesItsBrushBack) {
-    brushesMade = 0;
-    objectsDeleted = 0;
-    makingBrushes.replace("CreateSolidBrush", &countBrush);
-    deletingObjects.replace("DeleteObject", &countDeletion);
+    const GdiCalls calls;
     OwnedNote note("x");
-    for (int i = 0; i < 3; ++i) {
-        show(note.record, pressing(IDCANCEL));
+    for (int i = 1; i <= 3; ++i) {
+        show(note.record, [](HWND dialog) {
+            EXPECT_EQ(GdiCalls::counts().objects, 1);
+            press(dialog, IDCANCEL);
+        });
+        EXPECT_EQ(GdiCalls::counts().objects, 0);
+        EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Brush), i);
     }
-    makingBrushes.restore();
-    deletingObjects.restore();
-    EXPECT_EQ(brushesMade, 3);
-    EXPECT_EQ(objectsDeleted, 3);
+}
+
+TEST(NoteDialog, WithoutItsBrushIsThereAllTheSame) {
+    const GdiCalls calls(GdiCalls::Fail::Brush);
+    OwnedNote note("x");
+    EXPECT_EQ(show(note.record, pressing(IDCANCEL)), 0);
+    EXPECT_EQ(GdiCalls::counts().objects, 0);
 }
 
 } // namespace

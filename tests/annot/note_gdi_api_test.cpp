@@ -1,4 +1,5 @@
 // Windows: notes from the dialog to their place, by Note and NotePlus.
+#include "annot/answered_dialogs.h"
 #include "annot/plain_notes.h"
 #include "support/dialog_user.h"
 #include "support/gdi_calls.h"
@@ -141,6 +142,22 @@ TEST(NoteResult, OfAStoreOnNoImageIs0AndTheTextStays) {
     EXPECT_EQ(other.text(), "kept");
 }
 
+// No template, no memory for windows: the dialog function's -1.
+TEST(NoteResult, OfADialogThatCannotBeShownIs1AndTheNoteStays) {
+    for (const INT_PTR answer : {-1, 3, 1000}) {
+        OwnedNote asked("kept");
+        asked.record = {1, 1, asked.record.text, 5, 6, 70, 80, dibBlock(100, 50)};
+        const NoteRecord before = asked.record;
+        const AnsweredDialogs dialogs(answer);
+        EXPECT_EQ(Note(nullptr, &asked.record), 1) << answer;
+        EXPECT_EQ(NotePlus(nullptr, &asked.record, nullptr, nullptr, nullptr, 0), 1) << answer;
+        EXPECT_EQ(AnsweredDialogs::asked(), 2);
+        EXPECT_EQ(std::memcmp(&asked.record, &before, sizeof before), 0);
+        EXPECT_EQ(asked.text(), "kept");
+        EXPECT_EQ(lockCount(asked.record.image), 0U);
+    }
+}
+
 // What looks like an image and is none cannot be burned into.
 TEST(NoteResult, OfAStoreOnABrokenImageIs1ByNoteAnd0ByNotePlus) {
     for (const bool plus : {false, true}) {
@@ -238,7 +255,8 @@ TEST(NoteBalance, LeavesNoDeviceContextAndNoObjectBehind) {
         {
             const GdiCalls calls;
             notePlus(host.window(), asked.record, buttons);
-            EXPECT_LE(GdiCalls::counts().objects, 0); // the dialog's brush is deleted uncounted
+            EXPECT_EQ(GdiCalls::counts().objects, 0);
+            EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Brush), 1) << "the dialog's, which goes with it";
             EXPECT_EQ(GdiCalls::counts().contexts, 0);
             EXPECT_EQ(GdiCalls::counts().memoryContexts, 0);
             EXPECT_EQ(GdiCalls::counts().deletedInUse, 0);

@@ -1,4 +1,5 @@
-// Windows: counts the GDI objects and device contexts that the library holds, and makes chosen calls of it fail.
+// Windows: counts the GDI objects and device contexts that the library holds and what it draws, and makes chosen calls
+// of it fail.
 #pragma once
 
 #include "support/import_patch.h"
@@ -12,16 +13,24 @@ public:
         Nothing,
         GetDc,
         MemoryDc,
-        Bitmap,
+        Bitmap, // CreateBitmap, CreateCompatibleBitmap
+        DibSection,
+        CopyImage,
+        Font,
+        Brush,
         Palette,
+        Selection, // of bitmaps
         SaveDc,
         GetDiBits,
         OpenClipboard,
         GetClipboardData,
         SetClipboardData
     };
+    static constexpr int kFailKinds = static_cast<int>(Fail::SetClipboardData) + 1;
+    static constexpr int kEvery = -1;
 
-    explicit GdiCalls(Fail fail = Fail::Nothing);
+    // The n-th call of its kind (from 0) fails, or every one.
+    explicit GdiCalls(Fail fail = Fail::Nothing, int nth = kEvery);
     GdiCalls(const GdiCalls &) = delete;
     GdiCalls &operator=(const GdiCalls &) = delete;
     ~GdiCalls();
@@ -41,8 +50,16 @@ public:
         UINT lastUsage = 0xFFFF;
         HPALETTE selected = nullptr; // the last one selected
         HPALETTE original = nullptr; // what the first selection gave back
+        LOGFONTA font = {};          // the last one that was asked for
+        int textsDrawn = 0;          // ExtTextOutA
+        int textsMeasured = 0;       // GetTextExtentPoint32A
+        int tried[kFailKinds] = {};
+
+        [[nodiscard]] int allContexts() const { return contexts + memoryContexts; }
     };
     [[nodiscard]] static const Counts &counts();
+    // Calls of the kind, whether they failed or not.
+    [[nodiscard]] static int tried(Fail kind) { return counts().tried[static_cast<int>(kind)]; }
 };
 
 } // namespace vellum::test
