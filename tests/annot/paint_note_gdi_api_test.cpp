@@ -145,7 +145,9 @@ TEST(PaintNote, OfAnEmptyOrTurnedRectangleShowsNothing) {
     for (const LONG right : {50, 20}) {
         OwnedNote note("Hello");
         placed(note, 50, 20, right, 60);
-        EXPECT_TRUE(draw(&note.record).pixels == blank()) << right;
+        const Drawn drawn = draw(&note.record);
+        EXPECT_EQ(drawn.result, 1) << right;
+        EXPECT_TRUE(drawn.pixels == blank()) << right;
     }
 }
 
