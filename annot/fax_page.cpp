@@ -35,7 +35,7 @@ private:
     char path_[sizeof(FaxPageParams::textFile) + 1] = "";
 };
 
-LOGFONTA fontOf(const FaxPageParams &params) {
+LOGFONTA fontOf(const FaxPageParams &params, const BITMAP &page) {
     LOGFONTA font{};
     if (params.fontDescription != nullptr) {
         font = *params.fontDescription;
@@ -46,16 +46,16 @@ LOGFONTA fontOf(const FaxPageParams &params) {
         font.lfWeight = (params.flags & VELLUM_FAX_BOLD) != 0 ? kBoldWeight : kNormalWeight;
         setFace(font, fieldText(params.fontFace));
     }
-    font.lfHeight = fontHeight(params.fontSize, params.verticalResolution);
+    font.lfHeight = fontHeight(params.fontSize, params.verticalResolution, page);
     return font;
 }
 
 // By design: without a face the device context's own font serves, and a description is not looked at.
-OwnedFont createFont(const FaxPageParams &params) {
+OwnedFont createFont(const FaxPageParams &params, const BITMAP &page) {
     if (params.fontFace[0] == '\0') {
         return OwnedFont();
     }
-    const LOGFONTA font = fontOf(params);
+    const LOGFONTA font = fontOf(params, page);
     return OwnedFont(CreateFontIndirectA(&font));
 }
 
@@ -98,17 +98,14 @@ struct FaxPageOrder {
 // is drawn on and free when it is handed over.
 class FaxPages final : public FaxCanvas {
 public:
-    explicit FaxPages(const FaxPageOrder &order) : order_(order), dc_(nullptr), font_(createFont(order.params)) {
-        if (font_) {
-            selectedFont_.emplace(dc_.get(), font_.get());
-        }
-    }
+    explicit FaxPages(const FaxPageOrder &order) : order_(order), dc_(nullptr) {}
 
     // False when there is no page to draw on.
     bool begin(HBITMAP callersPage) {
         if (!dc_ || !(callersPage != nullptr ? select(callersPage) : selectOwn())) {
             return false;
         }
+        selectFont();
         SetTextColor(dc_.get(), RGB(0, 0, 0));
         if (callersPage != nullptr) {
             SetBkMode(dc_.get(), TRANSPARENT);
@@ -149,6 +146,13 @@ private:
     }
 
     // By design: no palette is selected with it. Only black and white are drawn, and they are the same in every one.
+    void selectFont() {
+        font_ = createFont(order_.params, describeBitmap(page_));
+        if (font_) {
+            selectedFont_.emplace(dc_.get(), font_.get());
+        }
+    }
+
     bool select(HBITMAP page) {
         page_ = page;
         selectedPage_.emplace(dc_.get(), page);

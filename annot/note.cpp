@@ -3,16 +3,22 @@
 #include "annot/note_dialog.h"
 #include "annot/note_drawing.h"
 #include "annot/note_text.h"
-#include "support/dib_view.h"
 #include "support/screen_dc.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 
 namespace vellum {
 namespace {
 
 // What Note() places by.
 constexpr DWORD kPlainNote = 0x40;
+
+// Negative heights are those of pictures whose first row is the uppermost.
+LONG rowsOf(const BITMAPINFOHEADER &header) {
+    return static_cast<LONG>(std::min(std::abs(std::int64_t{header.biHeight}), std::int64_t{0x7FFFFFFF}));
+}
 
 NotedImage notedImage(HWND window, HDC dc, HGLOBAL dib) {
     NotedImage noted;
@@ -23,10 +29,11 @@ NotedImage notedImage(HWND window, HDC dc, HGLOBAL dib) {
     noted.deviceDotsPerInchY = GetDeviceCaps(dc, LOGPIXELSY);
     noted.scrollX = GetScrollPos(window, SB_HORZ);
     noted.scrollY = GetScrollPos(window, SB_VERT);
-    if (const DibView image(dib); image) {
-        noted.pixels = {image.header().biWidth, image.header().biHeight};
-        noted.xPelsPerMeter = image.header().biXPelsPerMeter;
-        noted.yPelsPerMeter = image.header().biYPelsPerMeter;
+    // The header is enough: a note may be kept beside a picture of any kind.
+    if (const GlobalView<const BITMAPINFOHEADER> image(dib); image) {
+        noted.pixels = {image->biWidth, rowsOf(*image)};
+        noted.xPelsPerMeter = image->biXPelsPerMeter;
+        noted.yPelsPerMeter = image->biYPelsPerMeter;
     }
     return noted;
 }

@@ -50,10 +50,10 @@ DWORD wholeDotsPerInch(LONG pixelsPerMeter) {
     return static_cast<DWORD>(std::max<LONG>(truncateToLong(pixelsPerMeter * kMetersPerInch), 0));
 }
 
-OwnedFont createFont(const char *face, DWORD points, DWORD resolution) {
+OwnedFont createFont(const OverlayText &overlay, DWORD resolution, const BITMAP &picture) {
     LOGFONTA font{};
-    font.lfHeight = fontHeight(points, resolution);
-    setFace(font, face);
+    font.lfHeight = fontHeight(overlay.points, resolution, picture);
+    setFace(font, overlay.face);
     return OwnedFont(CreateFontIndirectA(&font));
 }
 
@@ -84,7 +84,7 @@ bool drawOverlay(HBITMAP bitmap, const OverlayText &overlay) {
     if (!dc || !selected.selected()) {
         return false;
     }
-    const OwnedFont font = createFont(overlay.face, overlay.points, resolutionY);
+    const OwnedFont font = createFont(overlay, resolutionY, size);
     const SelectedObject selectedFont(dc.get(), font.get());
     SetBkMode(dc.get(), TRANSPARENT);
     if (clip.left < clip.right) {

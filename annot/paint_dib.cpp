@@ -165,7 +165,7 @@ bool paintDib(HGLOBAL dib, const Request &request) {
     if (dib == nullptr) {
         return static_cast<bool>(WindowPainting(request.window));
     }
-    const DibView view(dib);
+    const DibView view(dib, ColourMasks::Taken);
     const Extent before = clientOf(request.window);
     const Placement placement = place(view, request);
     if (before.width != placement.client.width || before.height != placement.client.height) {

@@ -2,6 +2,7 @@
 #include "annot/text_drawing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 
@@ -14,6 +15,13 @@ constexpr int kPointsPerInch = 72;
 constexpr std::size_t kPieceCharacters = 4096;
 constexpr std::int64_t kFarthest = 0x3FFFFFF;
 
+// A letter may have four times the pixels of the picture that it is drawn on.
+LONG tallestLetter(const BITMAP &picture) {
+    constexpr double kAlways = 1024;
+    const double pixels = static_cast<double>(picture.bmWidth) * picture.bmHeight;
+    return static_cast<LONG>(std::clamp(2 * std::sqrt(pixels), kAlways, static_cast<double>(kFarthest)));
+}
+
 LONG widthOf(HDC dc, std::string_view text) {
     SIZE size{};
     GetTextExtentPoint32A(dc, text.data(), static_cast<int>(text.size()), &size);
@@ -22,8 +30,10 @@ LONG widthOf(HDC dc, std::string_view text) {
 
 } // namespace
 
-LONG fontHeight(DWORD points, DWORD dotsPerInch) {
-    return -MulDiv(static_cast<int>(points), static_cast<int>(dotsPerInch), kPointsPerInch);
+LONG fontHeight(DWORD points, DWORD dotsPerInch, const BITMAP &picture) {
+    const int height = MulDiv(static_cast<int>(points), static_cast<int>(dotsPerInch), kPointsPerInch);
+    const LONG tallest = tallestLetter(picture);
+    return -std::clamp<LONG>(height, -tallest, tallest);
 }
 
 // The face may be the font's own.

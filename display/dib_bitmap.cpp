@@ -1,4 +1,4 @@
-// GetDIBits and SetBitmapBits, and DIB sections in the layout of packed DIBs.
+// GetDIBits, GetBitmapBits, and DIB sections in the layout of packed DIBs.
 #include "display/dib_bitmap.h"
 
 #include "support/bitmap_depth.h"
@@ -62,6 +62,46 @@ std::size_t bytesBeforeRows(const DibView &dib) {
     return static_cast<std::size_t>(dib.bits() - reinterpret_cast<const BYTE *>(dib.colours())) + dib.header().biSize;
 }
 
+// Whether a bitmap's bits are those of a DIB of one bit per pixel: the colours of a DIB section are its own.
+bool isPlainBilevel(const BITMAP &bitmap) {
+    return bitmap.bmPlanes == 1 && bitmap.bmBitsPixel == 1 && bitmap.bmBits == nullptr;
+}
+
+// The rows of a bilevel bitmap, which come from the top at multiples of two bytes, into a DIB's. Bit for bit they are
+// the same; the system looks up the colours of every single one.
+bool copyBilevelRows(HBITMAP bitmap, const BITMAP &record, BYTE *rows) {
+    const auto width = static_cast<DWORD>(record.bmWidth);
+    const auto height = static_cast<std::size_t>(record.bmHeight);
+    const std::size_t rowBytes = wordRowBytes(width, 1).fit().value_or(0);
+    const std::size_t stride = dibRowBytes(width, 1).fit().value_or(0);
+    const GlobalBlock block = GlobalBlock::allocate(Size(rowBytes) * Size(height));
+    const GlobalView<BYTE> bits(block.get());
+    const auto bytes = static_cast<LONG>(rowBytes * height);
+    if (!bits || GetBitmapBits(bitmap, bytes, bits.get()) != bytes) {
+        return false;
+    }
+    const std::size_t pixelBytes = lineBytes(width, 1).fit().value_or(0);
+    const auto lastPixels = static_cast<BYTE>(0xFF << (7 - (width - 1) % 8));
+    for (std::size_t row = 0; row < height; ++row) {
+        BYTE *const to = rows + (height - 1 - row) * stride;
+        std::memcpy(to, bits.get() + row * rowBytes, pixelBytes);
+        to[pixelBytes - 1] &= lastPixels;
+    }
+    return true;
+}
+
+// The colours come as well.
+bool copyRows(HBITMAP bitmap, const BITMAP &record, BYTE *rows, ColourInfo &info) {
+    if (isPlainBilevel(record)) {
+        info.colours[0] = {0, 0, 0, 0};
+        info.colours[1] = {255, 255, 255, 0};
+        return copyBilevelRows(bitmap, record, rows);
+    }
+    const ScreenDc screen;
+    return screen && GetDIBits(screen.get(), bitmap, 0, static_cast<UINT>(record.bmHeight), rows, info.get(),
+                               DIB_RGB_COLORS) == record.bmHeight;
+}
+
 } // namespace
 
 BITMAP describeBitmap(HBITMAP bitmap) {
@@ -83,13 +123,7 @@ GlobalBlock packBitmap(HBITMAP bitmap) {
     const Size rowsBytes = imageBytes(info.header);
     GlobalBlock block = GlobalBlock::allocate(Size(sizeof info.header) + Size(colourBytes) + rowsBytes);
     const GlobalView<BYTE> packed(block.get());
-    const ScreenDc screen;
-    if (!packed || !screen) {
-        return {};
-    }
-    const auto height = static_cast<UINT>(info.header.biHeight);
-    BYTE *const rows = packed.get() + sizeof info.header + colourBytes;
-    if (GetDIBits(screen.get(), bitmap, 0, height, rows, info.get(), DIB_RGB_COLORS) != record.bmHeight) {
+    if (!packed || !copyRows(bitmap, record, packed.get() + sizeof info.header + colourBytes, info)) {
         return {};
     }
     info.header = packedHeader(record);

@@ -1309,7 +1309,8 @@ LONG VELLUMAPI PaintNotePlus(HWND window, HDC dc, const POINT *imageOffset, doub
 
 /*
  * Answers WM_PAINT: shows a packed DIB in a window, and a note over it.
- *   dib   NULL: the window is validated, and nothing is painted
+ *   dib   1, 4, 8, 16, 24 or 32 bits per pixel, uncompressed, bottom-up, with colour masks or without; of any other
+ *         block only background is seen. NULL: the window is validated, and nothing is painted
  *   area  NULL, or the part of the client area that the image is to be seen in
  *   zoom  NULL, or numerator and denominator of the horizontal scale, and those of the vertical one. A pair with a zero
  *         counts for nothing.

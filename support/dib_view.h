@@ -2,6 +2,7 @@
 // block stays locked as long as the view lives, and everything that the header promises lies inside it.
 //
 // Taken: headers of 40 bytes and more, one plane, 1, 4, 8, 16, 24 or 32 bits per pixel, uncompressed, bottom-up.
+// Colours by masks are taken where only the system looks at pixels.
 #pragma once
 
 #include "support/global_block.h"
@@ -19,9 +20,12 @@ constexpr DWORD colourTableEntries(const BITMAPINFOHEADER &header) {
     return header.biBitCount == 1 || header.biBitCount == 4 || header.biBitCount == 8 ? 1u << header.biBitCount : 0;
 }
 
+enum class ColourMasks { Refused, Taken };
+
 class DibView {
 public:
-    explicit DibView(HGLOBAL dib) : block_(dib, 0), valid_(locked() && measure()) {}
+    explicit DibView(HGLOBAL dib, ColourMasks masks = ColourMasks::Refused)
+        : block_(dib, 0), valid_(locked() && measure(masks)) {}
 
     // False for a handle that cannot be locked.
     [[nodiscard]] bool locked() const { return static_cast<bool>(block_); }
@@ -47,25 +51,35 @@ public:
     }
 
 private:
+    static constexpr DWORD kMaskBytes = 3 * sizeof(DWORD);
+
     static constexpr bool isDepth(WORD bits) {
         return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
     }
 
     static constexpr bool isTaken(const BITMAPINFOHEADER &header) {
         return header.biSize >= sizeof header && header.biWidth > 0 && header.biHeight > 0 && header.biPlanes == 1 &&
-               header.biCompression == BI_RGB && isDepth(header.biBitCount) &&
-               (header.biBitCount > 8 || header.biClrUsed <= 1u << header.biBitCount);
+               isDepth(header.biBitCount) && (header.biBitCount > 8 || header.biClrUsed <= 1u << header.biBitCount);
+    }
+    static constexpr bool hasMasks(const BITMAPINFOHEADER &header) {
+        return header.biCompression == BI_BITFIELDS && (header.biBitCount == 16 || header.biBitCount == 32) &&
+               (header.biSize == sizeof header || header.biSize >= sizeof header + kMaskBytes);
+    }
+    // Longer headers have fields for the masks.
+    static constexpr Size masksBehind(const BITMAPINFOHEADER &header) {
+        return Size(hasMasks(header) && header.biSize == sizeof header ? kMaskBytes : 0);
     }
 
-    bool measure() {
+    bool measure(ColourMasks masks) {
         if (block_.bytes() < sizeof header_) {
             return false;
         }
         std::memcpy(&header_, block_.get(), sizeof header_);
-        if (!isTaken(header_)) {
+        const bool knownPixels = header_.biCompression == BI_RGB || (masks == ColourMasks::Taken && hasMasks(header_));
+        if (!isTaken(header_) || !knownPixels) {
             return false;
         }
-        const Size offset = Size(header_.biSize) + Size(colourCount()) * Size(sizeof(RGBQUAD));
+        const Size offset = Size(header_.biSize) + masksBehind(header_) + Size(colourCount()) * Size(sizeof(RGBQUAD));
         const Size stride = dibRowBytes(width(), bitsPerPixel());
         const auto end = (offset + stride * Size(height())).fit();
         if (!end || *end > block_.bytes()) {

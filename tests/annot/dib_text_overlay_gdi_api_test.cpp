@@ -133,6 +133,27 @@ TEST(DibTextOverlay, TheNewDibHasTheResolutionInWholeDotsPerInch) {
     }
 }
 
+// The system keeps all pixels of the letters that it draws, seen or not: those of a few would fill a program's memory.
+TEST(DibTextOverlay, LettersDoNotGetMuchLargerThanThePicture) {
+    struct Case {
+        LONG width;
+        LONG pixelsPerMeter;
+        DWORD points;
+        LONG height;
+    };
+    for (const Case &entry :
+         {Case{100, 7874, 300, -833}, Case{100, 3937000, 10, -1024}, Case{100, 10000000, 10, -1024},
+          Case{30000, 7874, 300, -833}, Case{30000, 7874, 800, -2222}, Case{30000, 10000000, 10, -2683}}) {
+        PackedDib dib(entry.width, 60, 1);
+        dib.header.biXPelsPerMeter = entry.pixelsPerMeter;
+        dib.header.biYPelsPerMeter = entry.pixelsPerMeter;
+        const DibBlock block(dib);
+        const GdiCalls calls;
+        GlobalFree(DIBTextOverlay(block.get(), 0, 0, "Text", "Arial", entry.points));
+        EXPECT_EQ(GdiCalls::counts().font.lfHeight, entry.height) << entry.pixelsPerMeter << ' ' << entry.points;
+    }
+}
+
 TEST(DibTextOverlay, WithoutDibTextOrFaceThereIsNoResult) {
     const DibBlock block(picture(8));
     EXPECT_EQ(DIBTextOverlay(nullptr, 0, 0, "x", "Arial", 10), nullptr);

@@ -233,6 +233,17 @@ TEST(FaxFailures, APathOf255CharactersIsOpened) {
     EXPECT_EQ(FaxResult(smallPage(path.c_str()), VELLUM_FAX_BITMAPS).count(), 1U);
 }
 
+TEST(FaxFailures, LettersDoNotGetMuchLargerThanThePage) {
+    const TextFile file("text");
+    for (const auto &[points, height] : {std::pair{700U, -972L}, std::pair{12000U, -1024L}}) {
+        FaxPageParams params = smallPage(file.path());
+        params.fontSize = points;
+        const GdiCalls calls;
+        EXPECT_GE(FaxResult(params, VELLUM_FAX_BITMAPS).count(), 1U);
+        EXPECT_EQ(GdiCalls::counts().font.lfHeight, height);
+    }
+}
+
 TEST(FaxFailures, RecordsWithoutMeaningMakePagesAllTheSame) {
     const TextFile file("some\ttext, and\r\nmore of it");
     const std::vector<DWORD FaxPageParams::*> fields = {&FaxPageParams::leftMargin, &FaxPageParams::topMargin,

@@ -234,7 +234,7 @@ TEST(NoteBurning, WithoutMemoryLeavesTextAndImage) {
         }
     }
     EXPECT_TRUE(burned);
-    EXPECT_EQ(failures, 2) << "the copy of the image, and the drawn text";
+    EXPECT_EQ(failures, 3) << "the copy of the image, the drawn text and its rows";
 }
 
 TEST(NoteBurning, WithoutABitmapOrADeviceContextLeavesTextAndImage) {

@@ -234,6 +234,36 @@ TEST(NoteRectangle, OfNotePlusIsWhereTheUserClicked) {
         static_cast<LONG>(200 * (3780 * 0.0254000508001016) / dpi + 0.5), 0, size);
 }
 
+// Pictures that nothing can be burned into have notes, too.
+TEST(NoteRectangle, NeedsTheHeaderOfAnImageOnly) {
+    Host host(300, 200);
+    host.reset({0, 1000, 100, false}, {0, 1000, 50, false});
+    const SIZE size = plainSize(host.dc(), {"x"});
+    std::vector<PackedDib> pictures(4, PackedDib(1000, 500, 8));
+    pictures[1].header.biHeight = -500;
+    pictures[2].header.biCompression = BI_RLE8;
+    pictures[3].header.biCompression = BI_BITFIELDS;
+    pictures[3].header.biBitCount = 16;
+    for (PackedDib &picture : pictures) {
+        SCOPED_TRACE(picture.header.biHeight);
+        SCOPED_TRACE(picture.header.biCompression);
+        picture.header.biXPelsPerMeter = 7874;
+        picture.header.biYPelsPerMeter = 7874;
+        Bytes header = PackedDib(1000, 1, 8).bytes();
+        std::memcpy(header.data(), &picture.header, sizeof picture.header);
+        AskedNote scrolled("x");
+        scrolled.record.image = makeBlock(header);
+        EXPECT_EQ(note(host.window(), scrolled.record, kStoreInHeader), 1);
+        expectRectangle(scrolled.record, 70, 30, size);
+        AskedNote clicked("x");
+        clicked.record.image = makeBlock(header);
+        EXPECT_EQ(notePlus(host.window(), clicked.record, kStoreInHeader,
+                           {.click = POINT{100, 50}, .offset = POINT{0, 0}, .flags = VELLUM_NOTE_BY_RESOLUTION}),
+                  1);
+        expectRectangle(clicked.record, 208, 104, size);
+    }
+}
+
 TEST(NoteRectangle, InACenteredImageCountsFromItsCorner) {
     const Host host(300, 200);
     AskedNote asked("x");

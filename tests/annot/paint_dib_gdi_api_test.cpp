@@ -141,6 +141,50 @@ TEST(PaintDib, ShowsOtherDepthsWithoutTheScaler) {
     }
 }
 
+// A picture of one colour whose parts are found by masks behind its header.
+Bytes maskedPicture(WORD bits, const std::array<DWORD, 3> &masks, DWORD pixel) {
+    PackedDib dib(40, 30, bits);
+    dib.header.biCompression = BI_BITFIELDS;
+    Bytes bytes = dib.bytes();
+    bytes.resize(sizeof dib.header);
+    const auto *first = reinterpret_cast<const BYTE *>(masks.data());
+    bytes.insert(bytes.end(), first, first + sizeof masks);
+    for (int i = 0; i < 40 * 30; ++i) {
+        const auto *value = reinterpret_cast<const BYTE *>(&pixel);
+        bytes.insert(bytes.end(), value, value + bits / 8);
+    }
+    return bytes;
+}
+
+TEST(PaintDib, ColoursByMasksAreTheSystemsBusiness) {
+    const std::array<DWORD, 3> k565 = {0xF800, 0x07E0, 0x001F};
+    const std::array<DWORD, 3> kRedFirst = {0x0000FF, 0x00FF00, 0xFF0000};
+    const struct {
+        Bytes bytes;
+        DWORD colour;
+    } cases[] = {{maskedPicture(16, k565, 0x07E0), 0x00FF00}, {maskedPicture(32, kRedFirst, 0x0000FF), 0xFF0000}};
+    for (const auto &[bytes, colour] : cases) {
+        Host host(kClientWidth, kClientHeight);
+        host.reset({0, 100, 0, false}, {0, 100, 0, false});
+        paint(host, DibBlock(bytes).get());
+        Pixels shown(kClientWidth * kClientHeight, kBackground);
+        for (std::size_t i = 0; i < shown.size(); ++i) {
+            shown[i] = i % kClientWidth < 40 && i / kClientWidth < 30 ? colour : shown[i];
+        }
+        EXPECT_TRUE(host.pixels() == shown) << colour;
+    }
+}
+
+TEST(PaintDib, MasksAndPixelsThatAreNotAllThereGiveTheBackground) {
+    const Bytes whole = maskedPicture(16, {0xF800, 0x07E0, 0x001F}, 0x07E0);
+    for (const std::size_t missing : {std::size_t{1}, std::size_t{12}, whole.size() - 40, whole.size() - 48}) {
+        Host host(kClientWidth, kClientHeight);
+        host.reset({0, 100, 0, false}, {0, 100, 0, false});
+        paint(host, DibBlock(Bytes(whole.begin(), whole.end() - static_cast<std::ptrdiff_t>(missing))).get());
+        EXPECT_TRUE(host.pixels() == Pixels(kClientWidth * kClientHeight, kBackground)) << missing;
+    }
+}
+
 TEST(PaintDib, HasItsTrueSizeInEachDirection) {
     for (const WORD bits : kDepths) {
         Host host(kClientWidth, kClientHeight);

@@ -63,6 +63,23 @@ TEST(DibBitmap, APackedBitmapHasItsPixelsAndItsColourTable) {
     EXPECT_TRUE(pixelsOf(Dib(packBitmap(screen.get()).release())) == colouredPixels(35, 9));
 }
 
+TEST(DibBitmap, APackedBilevelBitmapHasNothingBehindItsRows) {
+    for (const LONG width : {1, 7, 8, 9, 15, 16, 17, 31, 32, 33, 100}) {
+        SCOPED_TRACE(width);
+        const TestBitmap mono = monochromeBitmap(width, 5);
+        const Dib dib(packBitmap(mono.get()).release());
+        ASSERT_TRUE(dib);
+        EXPECT_TRUE(pixelsOf(dib) == bilevelPixels(width, 5));
+        const std::size_t stride = static_cast<std::size_t>((width + 31) / 32 * 4);
+        for (std::size_t row = 0; row < 5; ++row) {
+            for (auto bit = static_cast<std::size_t>(width); bit < stride * 8; ++bit) {
+                const BYTE byte = dib.bytes()[dib.bitsOffset() + row * stride + bit / 8];
+                EXPECT_EQ(byte >> (7 - bit % 8) & 1, 0) << bit;
+            }
+        }
+    }
+}
+
 TEST(DibBitmap, ACopiedBitmapIsAnotherOneWithTheSamePixels) {
     for (const TestBitmap &bitmap : {monochromeBitmap(35, 9), screenBitmap(35, 9)}) {
         const OwnedBitmap copy = copyBitmap(bitmap.get());

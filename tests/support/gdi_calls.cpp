@@ -37,6 +37,7 @@ struct Patches {
     ImportPatch realizePalette;
     ImportPatch setDiBits;
     ImportPatch getDiBits;
+    ImportPatch getBitmapBits;
     ImportPatch extTextOut;
     ImportPatch getTextExtent;
     ImportPatch openClipboard;
@@ -191,6 +192,10 @@ int WINAPI countGetDiBits(HDC dc, HBITMAP bitmap, UINT start, UINT lines, void *
                : patches->getDiBits.original<decltype(GetDIBits)>()(dc, bitmap, start, lines, bits, info, usage);
 }
 
+LONG WINAPI countGetBitmapBits(HBITMAP bitmap, LONG bytes, void *bits) {
+    return fails(Fail::GetDiBits) ? 0 : patches->getBitmapBits.original<decltype(GetBitmapBits)>()(bitmap, bytes, bits);
+}
+
 BOOL WINAPI countExtTextOut(HDC dc, int x, int y, UINT options, const RECT *area, const char *text, UINT length,
                             const INT *distances) {
     ++counts.textsDrawn;
@@ -258,6 +263,7 @@ GdiCalls::GdiCalls(Fail fail, int nth) {
     patches->realizePalette.replace("RealizePalette", &countRealizePalette);
     patches->setDiBits.replace("SetDIBits", &countSetDiBits);
     patches->getDiBits.replace("GetDIBits", &countGetDiBits);
+    patches->getBitmapBits.replace("GetBitmapBits", &countGetBitmapBits);
     patches->extTextOut.replace("ExtTextOutA", &countExtTextOut);
     patches->getTextExtent.replace("GetTextExtentPoint32A", &countGetTextExtent);
     patches->openClipboard.replace("OpenClipboard", &countOpenClipboard);

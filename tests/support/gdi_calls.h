@@ -21,7 +21,7 @@ public:
         Palette,
         Selection, // of bitmaps
         SaveDc,
-        GetDiBits,
+        GetDiBits, // GetDIBits, GetBitmapBits
         OpenClipboard,
         GetClipboardData,
         SetClipboardData
