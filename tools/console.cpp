@@ -91,6 +91,16 @@ void Console::progress(std::string_view text) {
         return;
     }
     lastProgress_ = now;
+    showProgress(text);
+}
+
+void Console::announce(std::string_view text) {
+    if (showsProgress()) {
+        showProgress(text);
+    }
+}
+
+void Console::showProgress(std::string_view text) {
     flush();
     std::string line = lastColumns(text);
     const std::size_t length = line.size();

@@ -31,6 +31,8 @@ public:
     // It is overwritten by the next one and gone when something else is printed.
     [[nodiscard]] bool showsProgress() const { return error_.isTerminal; }
     void progress(std::string_view text);
+    // The same for work that cannot tell how far it is: shown at once, until something else is.
+    void announce(std::string_view text);
     void clearProgress();
 
 private:
@@ -42,6 +44,7 @@ private:
     };
 
     Console();
+    void showProgress(std::string_view text);
 
     Stream output_;
     Stream error_;

@@ -1,10 +1,9 @@
 // vellum fax: a text file as the pages of a fax.
-#include "tools/ansi_text.h"
 #include "tools/arguments.h"
 #include "tools/command.h"
 #include "tools/console.h"
 #include "tools/dib_output.h"
-#include "tools/lengths.h"
+#include "tools/fax_request.h"
 #include "tools/tiff_document.h"
 #include "vellum32.h"
 
@@ -41,13 +40,18 @@ Options:
                           margin. Default: every 20
       --form FORM.tif     print on the first page of FORM.tif instead of paper;
                           text that does not fit on it is left out
-      --pages N           at most so many pages, up to 1000. Default: 200
+      --pages N           at most so many pages, up to 1000 and 1 GB of memory:
+                          at 600 dpi some 250 pages, at 1200 dpi some 60.
+                          Default: 200, or what there is memory for
       --compression NAME  g4 (default), g3, g3-2d, mh, lzw, packbits or none;
                           for forms in colour lzw (default), packbits or none
   -h, --help              show this help
 
-Exit status: 0 all went well, 1 a file could not be read or written or the text
-has more pages, 2 wrong usage.
+All pages are held in memory until the text is drawn, and nothing is written
+when there is too little of it.
+
+Exit status: 0 all went well, 1 a file could not be read or written, a page
+could not be drawn or the text has more pages, 2 wrong usage.
 )";
 
 using enum Option::Kind;
@@ -56,115 +60,6 @@ constexpr std::array kOptions = {
     Option{"--size", Value},  Option{"--bold"},        Option{"--italic"},        Option{"--spacing", Value},
     Option{"--tabs", Value},  Option{"--form", Value}, Option{"--pages", Value},  Option{"--compression", Value},
 };
-
-constexpr long kMostDots = 1200;
-constexpr long kMostMillimetres = 1000;
-
-struct Paper {
-    std::string_view name;
-    DWORD width; // hundredths of an inch
-    DWORD height;
-};
-constexpr std::array kPapers = {Paper{"a4", 827, 1169}, Paper{"letter", 850, 1100}, Paper{"legal", 850, 1400}};
-
-const Paper &findPaper(const std::string &name) {
-    const auto found = std::ranges::find(kPapers, name, &Paper::name);
-    if (found == kPapers.end()) {
-        throw UsageError("option '--paper' wants a4, letter or legal, not '" + name + "'");
-    }
-    return *found;
-}
-
-DWORD inHundredths(long millimetres) {
-    return static_cast<DWORD>((millimetres * 1000 + 127) / 254);
-}
-
-// "204x196", or "200" for both.
-POINT parsePair(std::string_view option, const std::string &text, long least, long most, const char *wants) {
-    const std::vector<std::string> parts = splitAt(text, 'x');
-    const std::string across = parts.size() <= 2 ? parts.front() : text;
-    return {parseNumber(option, across, least, most, wants), parseNumber(option, parts.back(), least, most, wants)};
-}
-
-long millimetres(const Arguments &arguments, std::string_view option, const char *otherwise) {
-    return parseNumber(option, arguments.value(option).value_or(otherwise), 0, kMostMillimetres,
-                       "a number of millimetres");
-}
-
-void setTabs(const Arguments &arguments, FaxPageParams &page) {
-    constexpr long kDefaultMillimetres = 20;
-    for (std::size_t i = 0; i < std::size(page.tabStops); ++i) {
-        page.tabStops[i] = inHundredths(kDefaultMillimetres * static_cast<long>(i + 1));
-    }
-    const auto list = arguments.value("--tabs");
-    if (!list) {
-        return;
-    }
-    const std::vector<std::string> stops = splitAt(*list, ',');
-    if (stops.size() > std::size(page.tabStops)) {
-        throw UsageError("option '--tabs' wants up to 16 numbers");
-    }
-    std::fill(std::begin(page.tabStops), std::end(page.tabStops), 0);
-    for (std::size_t i = 0; i < stops.size(); ++i) {
-        page.tabStops[i] =
-            inHundredths(parseNumber("--tabs", stops[i], 0, kMostMillimetres, "millimetres, with commas between them"));
-    }
-}
-
-struct FaxRequest {
-    FaxPageParams page{};
-    DWORD mostPages = 0;
-    std::optional<FileName> form;
-    std::optional<std::string> compression;
-
-    [[nodiscard]] POINT dotsPerInch() const {
-        return {static_cast<LONG>(page.horizontalResolution), static_cast<LONG>(page.verticalResolution)};
-    }
-};
-
-void setPaper(const Arguments &arguments, FaxPageParams &page) {
-    const Paper &paper = findPaper(arguments.value("--paper").value_or("a4"));
-    const POINT dots = parsePair("--dpi", arguments.value("--dpi").value_or("204x196"), 1, kMostDots,
-                                 "dots per inch up to 1200, as 200 or 204x196");
-    page.pageWidth = paper.width;
-    page.pageHeight = paper.height;
-    page.horizontalResolution = static_cast<DWORD>(dots.x);
-    page.verticalResolution = static_cast<DWORD>(dots.y);
-}
-
-FaxRequest parse(const Arguments &arguments) {
-    constexpr long kMostPages = 1000;
-    constexpr long kMostPoints = 1000;
-    FaxRequest request;
-    FaxPageParams &page = request.page;
-    setPaper(arguments, page);
-    const POINT margin = parsePair("--margin", arguments.value("--margin").value_or("20"), 0, kMostMillimetres,
-                                   "millimetres, as 20 or 15x20");
-    page.leftMargin = inHundredths(margin.x);
-    page.topMargin = inHundredths(margin.y);
-    if (!arguments.has("--form") && (2 * page.leftMargin >= page.pageWidth || 2 * page.topMargin >= page.pageHeight)) {
-        throw UsageError("option '--margin' leaves no room on the paper");
-    }
-    const std::string font = ansiText("the font", arguments.value("--font").value_or("Courier New"));
-    std::memcpy(page.fontFace, font.data(), std::min(font.size(), sizeof page.fontFace - 1));
-    page.fontSize = static_cast<DWORD>(
-        parseNumber("--size", arguments.value("--size").value_or("10"), 1, kMostPoints, "a number of points"));
-    page.lineSpacing = inHundredths(millimetres(arguments, "--spacing", "0"));
-    setTabs(arguments, page);
-    page.flags = VELLUM_FAX_HUNDREDTHS | (arguments.has("--bold") ? VELLUM_FAX_BOLD : 0) |
-                 (arguments.has("--italic") ? VELLUM_FAX_ITALIC : 0);
-    request.mostPages = static_cast<DWORD>(parseNumber("--pages", arguments.value("--pages").value_or("200"), 1,
-                                                       kMostPages, "a number of pages from 1 to 1000"));
-    request.compression = arguments.value("--compression");
-    dibCoding(request.compression, 1);
-    if (const auto form = arguments.value("--form")) {
-        if (arguments.has("--paper") || arguments.has("--dpi") || arguments.has("--pages")) {
-            throw UsageError("'--form' does not go with '--paper', '--dpi' and '--pages': the form is the page");
-        }
-        request.form = FileName(*form);
-    }
-    return request;
-}
 
 // The text with CR LF between its lines, as the library wants it; nothing when it cannot be read. Behind the last line
 // it would begin another page when the one before is full.
@@ -244,43 +139,72 @@ Status faxOnForm(FaxRequest &request, const FileName &form, const FileName &outp
     if (const std::string obstacle = useForm(document, request.page); !obstacle.empty()) {
         return complain(form, obstacle);
     }
+    SetTiffError(VELLUM_OK);
     std::vector<OwnedDib> pages;
     pages.emplace_back(DIBFormOverlay(form.forLibrary().c_str(), &request.page));
     if (!pages.front()) {
-        return complain(form, libraryMessage(TiffError()));
+        // The form could not be read, or its page not be made.
+        const DWORD error = TiffError();
+        return complain(form, libraryMessage(error != VELLUM_OK ? error : DWORD{VELLUM_NO_MEMORY}));
     }
     return writePages(pages, request, output);
 }
 
-Status faxOnPaper(const FaxRequest &request, const FileName &text, const FileName &output) {
-    std::vector<HANDLE> handles(request.mostPages);
-    DWORD status = 0;
-    const DWORD count = CreateDIBFaxPageFromASCII(&request.page, request.mostPages, handles.data(), &status);
+// The pages of the text, and how far the library came.
+struct DrawnPages {
     std::vector<OwnedDib> pages;
+    DWORD status = VELLUM_FAX_COMPLETE;
+};
+
+DrawnPages drawPages(const FaxRequest &request) {
+    std::vector<HANDLE> handles(request.mostPages);
+    DrawnPages drawn;
+    const DWORD count = CreateDIBFaxPageFromASCII(&request.page, request.mostPages, handles.data(), &drawn.status);
     for (DWORD i = 0; i < count; ++i) {
-        pages.emplace_back(handles[i]);
+        drawn.pages.emplace_back(handles[i]);
     }
-    if (status != VELLUM_FAX_COMPLETE && status != VELLUM_FAX_PAGE_LIMIT) {
-        return complain(text, status == VELLUM_FAX_NO_TEXT ? "cannot be read." : libraryMessage(VELLUM_NO_MEMORY));
-    }
-    const Status written = writePages(pages, request, output);
-    if (status == VELLUM_FAX_PAGE_LIMIT) {
-        return complain(text, "the text goes on behind page " + std::to_string(count) + "; --pages allows more.");
-    }
-    return written;
+    return drawn;
 }
 
-Status run(const std::vector<std::string> &words) {
-    const Arguments arguments(words, kOptions);
-    if (arguments.operands().size() != 2) {
-        throw UsageError("a text file and an output file are needed");
+// Why there is text that is on no page.
+std::string pageLimitMessage(const FaxRequest &request) {
+    const DWORD most = mostFaxPages(request.page);
+    const std::string limit = "the text goes on behind page " + std::to_string(request.mostPages) + "; ";
+    if (request.mostPages < most) {
+        return limit + "--pages allows more.";
     }
-    const FileName text(arguments.operands()[0]);
-    const FileName output(arguments.operands()[1]);
-    FaxRequest request = parse(arguments);
+    if (most < kMostFaxPages) {
+        return limit + "memory holds no more of these pages, a lower --dpi makes them smaller.";
+    }
+    return limit + "no text gets more pages.";
+}
+
+Status faxOnPaper(const FaxRequest &request, const FileName &text, const FileName &output) {
+    Console::get().announce("drawing the pages of " + text.shown());
+    const DrawnPages drawn = drawPages(request);
+    switch (drawn.status) {
+    case VELLUM_FAX_COMPLETE:
+        return writePages(drawn.pages, request, output);
+    case VELLUM_FAX_PAGE_LIMIT: {
+        const Status written = writePages(drawn.pages, request, output);
+        return worse(written, complain(text, pageLimitMessage(request)));
+    }
+    case VELLUM_FAX_NO_MEMORY:
+        return complain(output, "page " + std::to_string(drawn.pages.size() + 1) +
+                                    " cannot be drawn: there is not enough memory.");
+    default:
+        return complain(text, "cannot be read.");
+    }
+}
+
+void checkOutput(const FaxRequest &request, const FileName &text, const FileName &output) {
     if (output.sameAs(text) || (request.form && output.sameAs(*request.form))) {
         throw UsageError("the output would replace the input");
     }
+}
+
+// The text goes to the library by way of a file with the line ends that it knows.
+Status draw(FaxRequest &request, const FileName &text, const FileName &output) {
     const auto lines = readText(text);
     if (!lines) {
         return complain(text, text.isMissing() ? "there is no such file." : "cannot be read.");
@@ -292,6 +216,18 @@ Status run(const std::vector<std::string> &words) {
     const std::string path = copy.name().forLibrary();
     std::memcpy(request.page.textFile, path.data(), std::min(path.size(), sizeof request.page.textFile - 1));
     return request.form ? faxOnForm(request, *request.form, output) : faxOnPaper(request, text, output);
+}
+
+Status run(const std::vector<std::string> &words) {
+    const Arguments arguments(words, kOptions);
+    if (arguments.operands().size() != 2) {
+        throw UsageError("a text file and an output file are needed");
+    }
+    const FileName text(arguments.operands()[0]);
+    const FileName output(arguments.operands()[1]);
+    FaxRequest request = parseFaxRequest(arguments);
+    checkOutput(request, text, output);
+    return draw(request, text, output);
 }
 
 } // namespace

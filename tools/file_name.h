@@ -38,7 +38,8 @@ public:
     [[nodiscard]] bool isMissing() const;
     // The file's bytes; nothing when it cannot be looked at.
     [[nodiscard]] std::optional<unsigned long long> size() const;
-    // True for the name of the same file, without looking at the disk.
+    // True for a name of the same file, be it a hard link, a symbolic link, a short name or another spelling. Names of
+    // which one cannot be looked at, as there is no such file yet, are compared as they stand.
     [[nodiscard]] bool sameAs(const FileName &other) const;
     // True when the name ends so, upper or lower case.
     [[nodiscard]] bool hasExtension(std::string_view dotAndLetters) const;

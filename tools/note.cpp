@@ -28,7 +28,8 @@ these lines, in place of the one that it has; the file is built anew as 'vellum
 tag set' does it. 'vellum tag delete FILE 316' removes a note. 'burn' writes the
 page with its note as a part of its pixels into a TIFF of its own, black on the
 page as it is or, for an opaque note, on white: Group 4 for bilevel pages, LZW
-for others. The text has the system's own font; its size is measured anew.
+for others. The text has the system's own font; its size is measured anew. What
+lies outside the page is cut off; a note that lies there wholly is not burned.
 
 Options:
       --page N    the page, counted from 1; add, burn: default the first one
@@ -38,7 +39,7 @@ Options:
   -h, --help      show this help
 
 Exit status: 0 all went well, 1 the file could not be read or written, or has no
-note to burn, 2 wrong usage.
+note to burn on its page, 2 wrong usage.
 )";
 
 constexpr Option kOptions[] = {
@@ -62,13 +63,16 @@ POINT parsePlace(const std::string &text) {
     return place;
 }
 
+std::string placeText(LONG x, LONG y) {
+    return std::to_string(x) + "," + std::to_string(y);
+}
+
 // ---- list
 
 std::string look(const std::string &label, const PageNote &note) {
     const NoteRecord &record = note.record();
-    const auto corner = [](LONG x, LONG y) { return std::to_string(x) + "," + std::to_string(y); };
     std::string text = label + ": " + (record.opaque != 0 ? "opaque" : "transparent") + " note from " +
-                       corner(record.left, record.top) + " to " + corner(record.right, record.bottom) + "\n";
+                       placeText(record.left, record.top) + " to " + placeText(record.right, record.bottom) + "\n";
     for (const std::string &line : note.lines()) {
         text += line.empty() ? "\n" : "    " + line + "\n";
     }
@@ -140,78 +144,109 @@ Status save(const FileName &out, const OwnedDib &dib, POINT dotsPerInch) {
     return saved ? Status::Ok : complain(out.shown(), tiff.failure());
 }
 
+// The note of a page whose pixels can be had. False after a complaint.
+bool readNote(const SelectedPages &pages, DWORD index, PageNote &note) {
+    const RegisteredPage page(pages.document, index);
+    const std::string label = pages.label(index);
+    if (!page) {
+        complainOfPage(pages.document.name(), index, TiffError());
+    } else if (page.isDelegatedJpeg() && !jpegModuleAvailable()) {
+        complain(label, kNoJpegModule);
+    } else if (!note.read(page)) {
+        complain(label, "there is no note.");
+    } else {
+        return true;
+    }
+    return false;
+}
+
+// The page as a DIB with its note in it. Null after a complaint.
+OwnedDib burnNote(const SelectedPages &pages, DWORD index, PageNote &note) {
+    const std::string label = pages.label(index);
+    OwnedDib dib(LoadTiffIntoDIB(pages.document.name().forLibrary().c_str(), index, FALSE));
+    if (const DWORD error = TiffError(); !dib || error != VELLUM_OK) {
+        complain(label, libraryMessage(error));
+        return OwnedDib();
+    }
+    const BITMAPINFOHEADER page = dib.header();
+    OwnedDib burned(note.burnInto(dib.release()));
+    if (!burned) {
+        complain(label, "the note could not be burned in.");
+        return OwnedDib();
+    }
+    if (!note.isOnPage(page.biWidth, page.biHeight)) {
+        complain(label, "the note at " + placeText(note.record().left, note.record().top) +
+                            " lies outside the page of " + std::to_string(page.biWidth) + " x " +
+                            std::to_string(page.biHeight) + " pixels.");
+        return OwnedDib();
+    }
+    return burned;
+}
+
 Status burn(const FileName &file, DWORD index, const FileName &out) {
     const auto pages = openPage(file, index);
-    if (pages == nullptr) {
+    PageNote note;
+    if (pages == nullptr || !readNote(*pages, index, note)) {
         return Status::Failed;
     }
-    const std::string label = pages->label(index);
-    PageNote note;
-    {
-        const RegisteredPage page(pages->document, index);
-        if (!page) {
-            return complainOfPage(file, index, TiffError());
-        }
-        if (page.isDelegatedJpeg() && !jpegModuleAvailable()) {
-            return complain(label, kNoJpegModule);
-        }
-        if (!note.read(page)) {
-            return complain(label, "there is no note.");
-        }
-    }
-    OwnedDib dib(LoadTiffIntoDIB(file.forLibrary().c_str(), index, FALSE));
-    if (const DWORD error = TiffError(); !dib || error != VELLUM_OK) {
-        return complain(label, libraryMessage(error));
-    }
-    const POINT dotsPerInch = dib.dotsPerInch();
-    const OwnedDib burned(note.burnInto(dib.release()));
+    const OwnedDib burned = burnNote(*pages, index, note);
     if (!burned) {
-        return complain(label, "the note could not be burned in.");
+        return Status::Failed;
     }
-    const Status status = save(out, burned, dotsPerInch);
+    const Status status = save(out, burned, burned.dotsPerInch());
     if (status == Status::Ok) {
-        Console::get().print(label + " -> " + out.shown() + "\n");
+        Console::get().print(pages->label(index) + " -> " + out.shown() + "\n");
     }
     return status;
+}
+
+// ---- the command line
+
+std::string parseAction(const Arguments &arguments) {
+    const std::string action = arguments.operands().empty() ? "" : arguments.operands().front();
+    if (action != "list" && action != "add" && action != "burn") {
+        throw UsageError("one of list, add and burn is needed" + (action.empty() ? "" : ", not '" + action + "'"));
+    }
+    for (const std::string_view option : {"--at", "--opaque", "--force"}) {
+        if (action != "add" && arguments.has(option)) {
+            throw UsageError("'" + std::string(option) + "' does not go with '" + action + "'");
+        }
+    }
+    return action;
+}
+
+void checkOperands(const std::string &action, std::size_t count) {
+    if (action == "list" && count != 2) {
+        throw UsageError("'list' needs one file");
+    }
+    if (action == "add" && count < 3) {
+        throw UsageError("'add' needs one file and the lines of the note");
+    }
+    if (action == "burn" && count != 3) {
+        throw UsageError("'burn' needs one file and the file to write");
+    }
 }
 
 Status run(const std::vector<std::string> &words) {
     const Arguments arguments(words, kOptions);
     const auto &operands = arguments.operands();
-    const std::string action = operands.empty() ? "" : operands.front();
-    if (action != "list" && action != "add" && action != "burn") {
-        throw UsageError("one of list, add and burn is needed" + (action.empty() ? "" : ", not '" + action + "'"));
-    }
-    if (action != "add") {
-        for (const std::string_view option : {"--at", "--opaque", "--force"}) {
-            if (arguments.has(option)) {
-                throw UsageError("'" + std::string(option) + "' does not go with '" + action + "'");
-            }
-        }
-    }
+    const std::string action = parseAction(arguments);
     const auto pageOption = arguments.value("--page");
     const auto page = pageOption ? std::optional<DWORD>(parsePageNumber("--page", *pageOption)) : std::nullopt;
     const DWORD index = page.value_or(1) - 1;
+    checkOperands(action, operands.size());
+    const FileName file(operands[1]);
     if (action == "list") {
-        if (operands.size() != 2) {
-            throw UsageError("'list' needs one file");
-        }
-        return list(FileName(operands[1]), page);
+        return list(file, page);
     }
     if (action == "add") {
-        if (operands.size() < 3) {
-            throw UsageError("'add' needs one file and the lines of the note");
-        }
-        return add(arguments, FileName(operands[1]), index);
-    }
-    if (operands.size() != 3) {
-        throw UsageError("'burn' needs one file and the file to write");
+        return add(arguments, file, index);
     }
     const FileName out(operands[2]);
-    if (out.sameAs(FileName(operands[1]))) {
+    if (out.sameAs(file)) {
         throw UsageError("the output is the input");
     }
-    return burn(FileName(operands[1]), index, out);
+    return burn(file, index, out);
 }
 
 } // namespace

@@ -30,6 +30,10 @@ public:
     [[nodiscard]] HGLOBAL burnInto(HGLOBAL dib);
 
     [[nodiscard]] const NoteRecord &record() const { return record_; }
+    // Whether some of its rectangle lies on a page of that size.
+    [[nodiscard]] bool isOnPage(LONG width, LONG height) const {
+        return record_.left < width && record_.top < height && record_.right > 0 && record_.bottom > 0;
+    }
     // In UTF-8.
     [[nodiscard]] std::vector<std::string> lines() const;
     // The value of the tag that holds it; nothing when it could not be defined for the page, in memory.

@@ -193,6 +193,56 @@ TEST(Fax, TheFontCounts) {
     EXPECT_TRUE(differs);
 }
 
+// All pages are in memory before the first one is written.
+TEST(Fax, ThereAreNoMorePagesThanMemoryHolds) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("text"));
+    EXPECT_EQ(folder.run({"fax", "a.txt", "a.tif", "--dpi=1200", "--pages=61"}).out,
+              "a.tif: page 1: 9924 x 14028, 1 bit, g4\n");
+    struct Case {
+        Names options;
+        const char *message;
+    };
+    const Case cases[] = {
+        {{"--dpi=1200", "--pages=62"}, "61 of these pages, at 1200x1200 dpi, not '62'"},
+        {{"--dpi=1200", "--paper=legal", "--pages=51"}, "50 of these pages, at 1200x1200 dpi, not '51'"},
+        {{"--dpi=600x300", "--pages=1000"}, "490 of these pages, at 600x300 dpi, not '1000'"},
+    };
+    for (const Case &entry : cases) {
+        Names words = {"fax", "a.txt", "b.tif"};
+        words.insert(words.end(), entry.options.begin(), entry.options.end());
+        const Outcome outcome = folder.run(words);
+        EXPECT_EQ(outcome.err, std::string("vellum fax: option '--pages' wants at most ") + entry.message +
+                                   ": memory holds no more\nTry 'vellum fax --help'.\n");
+        EXPECT_EQ(outcome.status, 2U);
+    }
+    EXPECT_EQ(folder.run({"fax", "a.txt", "c.tif", "--pages=1000"}).status, 0U) << "1000 pages of fax resolution fit";
+    EXPECT_EQ(folder.files(), (Names{"a.tif", "a.txt", "c.tif"}));
+}
+
+// A page of 21 MB in a process that has no piece of memory of this size.
+TEST(Fax, WithoutMemoryTheMessageSaysForWhichPage) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("text"));
+    EXPECT_EQ(folder.runInBrokenMemory({"fax", "a.txt", "small.tif"}).status, 0U);
+    const Outcome outcome = folder.runInBrokenMemory({"fax", "a.txt", "large.tif", "--paper=legal", "--dpi=1200"});
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "vellum: large.tif: page 1 cannot be drawn: there is not enough memory.\n");
+    EXPECT_EQ(outcome.status, 1U);
+    EXPECT_EQ(folder.files(), (Names{"a.txt", "small.tif"}));
+}
+
+TEST(Fax, AFormThatMemoryCannotHoldIsNotBlamed) {
+    const WorkFolder folder;
+    folder.put("a.txt", textOf("text"));
+    EXPECT_EQ(folder.run({"fax", "a.txt", "form.tif", "--paper=legal", "--dpi=1200"}).status, 0U);
+    const Outcome outcome = folder.runInBrokenMemory({"fax", "a.txt", "out.tif", "--form=form.tif"});
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err, "vellum: form.tif: Not enough memory.\n");
+    EXPECT_EQ(outcome.status, 1U);
+    EXPECT_EQ(folder.files(), (Names{"a.txt", "form.tif"}));
+}
+
 TEST(Fax, OnAFormTheFormIsThePage) {
     const WorkFolder folder;
     folder.put("form.tif", bundled("fax.tif"));

@@ -30,8 +30,9 @@ inline PagePixels pixelsOfBitmapFile(const Bytes &file) {
         const BYTE *const row = file.data() + fileHeader.bfOffBits + static_cast<std::size_t>(y) * stride;
         for (LONG x = 0; x < header.biWidth; ++x) {
             const BYTE *blue = row + x * 3;
-            if (header.biBitCount == 1) {
-                blue = file.data() + sizeof fileHeader + header.biSize + ((row[x / 8] >> (7 - x % 8)) & 1) * 4;
+            if (header.biBitCount == 1 || header.biBitCount == 8) {
+                const int index = header.biBitCount == 8 ? row[x] : (row[x / 8] >> (7 - x % 8)) & 1;
+                blue = file.data() + sizeof fileHeader + header.biSize + index * 4;
             }
             pixels.values.push_back(DWORD{blue[0]} | DWORD{blue[1]} << 8 | DWORD{blue[2]} << 16);
         }
@@ -39,7 +40,7 @@ inline PagePixels pixelsOfBitmapFile(const Bytes &file) {
     return pixels;
 }
 
-// Of 1 or 24 bits per pixel.
+// Of 1, 8 or 24 bits per pixel.
 inline PagePixels pagePixels(const WorkFolder &folder, const std::string &name, int page = 1) {
     EXPECT_EQ(folder.run({"convert", "--page", std::to_string(page), name, "pixels.bmp"}).err, "");
     const PagePixels pixels = pixelsOfBitmapFile(folder.get("pixels.bmp").value_or(Bytes()));

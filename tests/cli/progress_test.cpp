@@ -44,5 +44,19 @@ TEST(Progress, IsShownOnAConsoleAndOverwritten) {
     EXPECT_EQ(folder.get("old.tif"), (Bytes{1, 2, 3}));
 }
 
+// The library draws all pages of a text in one call.
+TEST(Progress, TellsThatPagesAreDrawnBeforeTheyAreWritten) {
+    const WorkFolder folder;
+    std::string text;
+    for (int i = 0; i < 6000; ++i) {
+        text += "line\n";
+    }
+    folder.put("long.txt", Bytes(text.begin(), text.end()));
+    const Outcome outcome = folder.runOnConsole({"fax", "long.txt", "long.tif", "--dpi=100", "--pages=1000"});
+    EXPECT_EQ(outcome.err.rfind("[drawing the pages of long.txt]\n[page ", 0), 0U) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.status, 99U);
+}
+
 } // namespace
 } // namespace vellum::test

@@ -83,6 +83,25 @@ public:
     HANDLE file;
 };
 
+// Takes the address space of a process that has not begun, and gives every other piece of it back.
+void breakMemory(HANDLE process) {
+    constexpr SIZE_T kPiece = SIZE_T{16} << 20;
+    constexpr SIZE_T kSmallestPiece = SIZE_T{1} << 20;
+    std::vector<void *> pieces;
+    for (SIZE_T size = kPiece; size >= kSmallestPiece; size /= 2) {
+        while (void *const piece = VirtualAllocEx(process, nullptr, size, MEM_RESERVE, PAGE_NOACCESS)) {
+            if (size == kPiece) {
+                pieces.push_back(piece);
+            }
+        }
+    }
+    std::sort(pieces.begin(), pieces.end());
+    EXPECT_GT(pieces.size(), 50U);
+    for (std::size_t i = 1; i < pieces.size(); i += 2) {
+        EXPECT_NE(VirtualFreeEx(process, pieces[i], 0, MEM_RELEASE), 0);
+    }
+}
+
 void removeFolder(const std::wstring &path) {
     WIN32_FIND_DATAW found;
     const HANDLE search = FindFirstFileW((path + L"\\*").c_str(), &found);
@@ -131,11 +150,15 @@ Outcome WorkFolder::run(const std::vector<std::string> &words) const {
     return start(programPath(), commandLine(words));
 }
 
+Outcome WorkFolder::runInBrokenMemory(const std::vector<std::string> &words) const {
+    return start(programPath(), commandLine(words), Memory::Broken);
+}
+
 Outcome WorkFolder::runOnConsole(const std::vector<std::string> &words) const {
     return start(watcherPath(), L"\"" + watcherPath() + L"\" " + commandLine(words));
 }
 
-Outcome WorkFolder::start(const std::wstring &program, std::wstring commandLine) const {
+Outcome WorkFolder::start(const std::wstring &program, std::wstring commandLine, Memory memory) const {
     const Catcher out;
     const Catcher err;
     STARTUPINFOW startup{};
@@ -144,11 +167,15 @@ Outcome WorkFolder::start(const std::wstring &program, std::wstring commandLine)
     startup.hStdOutput = out.file;
     startup.hStdError = err.file;
     PROCESS_INFORMATION process{};
-    if (CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                       wide(path_).c_str(), &startup, &process) == 0) {
+    if (CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW | CREATE_SUSPENDED,
+                       nullptr, wide(path_).c_str(), &startup, &process) == 0) {
         ADD_FAILURE() << "cannot start " << narrow(program) << ": error " << GetLastError();
         return {};
     }
+    if (memory == Memory::Broken) {
+        breakMemory(process.hProcess);
+    }
+    ResumeThread(process.hThread);
     Outcome outcome;
     if (WaitForSingleObject(process.hProcess, kPatience) != WAIT_OBJECT_0) {
         ADD_FAILURE() << "the program does not end";

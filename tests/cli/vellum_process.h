@@ -25,6 +25,8 @@ public:
 
     // Runs "vellum WORDS..." in the folder. Words are UTF-8 and may hold blanks.
     [[nodiscard]] Outcome run(const std::vector<std::string> &words) const;
+    // The same in a process that gets no more than 18 MB of memory in one piece.
+    [[nodiscard]] Outcome runInBrokenMemory(const std::vector<std::string> &words) const;
     // The same with standard error on a console, until something has been seen there three times; then the program is
     // ended with status 99. The outcome's err is what was seen, a line in brackets for every time.
     [[nodiscard]] Outcome runOnConsole(const std::vector<std::string> &words) const;
@@ -38,7 +40,9 @@ public:
     [[nodiscard]] std::vector<std::string> files() const;
 
 private:
-    [[nodiscard]] Outcome start(const std::wstring &program, std::wstring commandLine) const;
+    enum class Memory { Whole, Broken };
+    [[nodiscard]] Outcome start(const std::wstring &program, std::wstring commandLine,
+                                Memory memory = Memory::Whole) const;
 
     std::string path_;
 };

@@ -1,0 +1,202 @@
+// vellum fax: where its options put the text. Whatever font the system has, a letter's ink begins at the same distance
+// from where the letter is put, so that the distances between letters are known to the pixel.
+#include "cli/page_pixels.h"
+#include "cli/tiff_look.h"
+#include "cli/vellum_process.h"
+
+#include <gtest/gtest.h>
+
+namespace vellum::test {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// Millimetres in pixels at 100 dots per inch, rounded.
+constexpr LONG kFive = 20;
+constexpr LONG kTen = 39;
+constexpr LONG kTwenty = 79;
+constexpr LONG kThirty = 118;
+constexpr LONG kForty = 157;
+constexpr LONG kFifty = 197;
+constexpr LONG kSixty = 236;
+
+struct Ink {
+    LONG width = 0;
+    LONG height = 0;
+    std::vector<LONG> columns; // where each group of neighbouring columns with ink begins
+    std::vector<LONG> rows;
+    LONG lastColumn = -1;
+    LONG lastRow = -1;
+};
+
+std::vector<LONG> beginnings(const std::vector<bool> &inked) {
+    std::vector<LONG> starts;
+    for (std::size_t i = 0; i < inked.size(); ++i) {
+        if (inked[i] && (i == 0 || !inked[i - 1])) {
+            starts.push_back(static_cast<LONG>(i));
+        }
+    }
+    return starts;
+}
+
+LONG last(const std::vector<bool> &inked) {
+    for (std::size_t i = inked.size(); i > 0; --i) {
+        if (inked[i - 1]) {
+            return static_cast<LONG>(i - 1);
+        }
+    }
+    return -1;
+}
+
+Ink inkOf(const PagePixels &page) {
+    const auto width = static_cast<std::size_t>(page.width);
+    std::vector<bool> columns(width);
+    std::vector<bool> rows(page.values.size() / width);
+    for (std::size_t i = 0; i < page.values.size(); ++i) {
+        if (page.values[i] == 0) {
+            columns[i % width] = true;
+            rows[i / width] = true;
+        }
+    }
+    return {page.width, static_cast<LONG>(rows.size()), beginnings(columns), beginnings(rows), last(columns),
+            last(rows)};
+}
+
+// The first page that a text becomes at 100 dots per inch.
+Ink drawn(const std::string &text, const Words &options) {
+    const WorkFolder folder;
+    folder.put("a.txt", Bytes(text.begin(), text.end()));
+    Words words = {"fax", "a.txt", "a.tif", "--dpi=100"};
+    words.insert(words.end(), options.begin(), options.end());
+    const Outcome outcome = folder.run(words);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+    return inkOf(pagePixels(folder, "a.tif"));
+}
+
+std::string repeated(const std::string &text, int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+TEST(FaxPlace, TheMarginIsWhereTheTextBegins) {
+    const Ink none = drawn("H", {"--margin=0"});
+    ASSERT_EQ(none.columns.size(), 1U);
+    ASSERT_EQ(none.rows.size(), 1U);
+    EXPECT_LT(none.columns[0], 20);
+    EXPECT_LT(none.rows[0], 20);
+    struct Case {
+        const char *margin;
+        LONG left;
+        LONG top;
+    };
+    for (const Case &entry : {Case{"10", kTen, kTen}, Case{"50x30", kFifty, kThirty}, Case{"5x60", kFive, kSixty}}) {
+        const Ink ink = drawn("H", {"--margin", entry.margin});
+        EXPECT_EQ(ink.columns, std::vector<LONG>{none.columns[0] + entry.left}) << entry.margin;
+        EXPECT_EQ(ink.rows, std::vector<LONG>{none.rows[0] + entry.top}) << entry.margin;
+    }
+    EXPECT_EQ(drawn("H", {}).columns, std::vector<LONG>{none.columns[0] + kTwenty}) << "the default";
+}
+
+TEST(FaxPlace, TabsLeadToTheirStops) {
+    struct Case {
+        Words options;
+        LONG first;
+        LONG second;
+    };
+    for (const Case &entry : {Case{{}, kTwenty, kForty}, Case{{"--tabs=30,60"}, kThirty, kSixty},
+                              Case{{"--tabs=10,50", "--margin=40x10"}, kTen, kFifty}}) {
+        const Ink ink = drawn("H\tH\tH", entry.options);
+        ASSERT_EQ(ink.columns.size(), 3U);
+        EXPECT_EQ(ink.columns[1] - ink.columns[0], entry.first);
+        EXPECT_EQ(ink.columns[2] - ink.columns[0], entry.second);
+    }
+}
+
+// Behind the last stop the text goes on where it is.
+TEST(FaxPlace, OtherStopsThanThoseGivenAreNone) {
+    const Ink one = drawn("H\tH", {"--tabs=30"});
+    EXPECT_EQ(one.columns.size(), 2U);
+    EXPECT_EQ(drawn("H\t\t\tH", {"--tabs=30"}).columns, one.columns);
+}
+
+TEST(FaxPlace, SpacingComesOnTopOfTheLineHeight) {
+    const auto pitch = [](const Words &options) {
+        const Ink ink = drawn("H\nH\nH", options);
+        EXPECT_EQ(ink.rows.size(), 3U);
+        if (ink.rows.size() != 3) {
+            return LONG{0};
+        }
+        EXPECT_EQ(ink.rows[2] - ink.rows[1], ink.rows[1] - ink.rows[0]);
+        return ink.rows[1] - ink.rows[0];
+    };
+    const LONG plain = pitch({});
+    EXPECT_GT(plain, 0);
+    EXPECT_EQ(pitch({"--spacing=0"}), plain);
+    EXPECT_EQ(pitch({"--spacing=5"}), plain + kFive);
+    EXPECT_EQ(pitch({"--spacing=40"}), plain + kForty);
+}
+
+// Lines fill the paper from margin to margin: another word would have reached into the right one, and another line
+// would have begun in the lower one.
+TEST(FaxPlace, ThePaperIsUsedFromMarginToMargin) {
+    struct Case {
+        const char *paper;
+        LONG width;
+        LONG height;
+    };
+    for (const Case &entry : {Case{"a4", 827, 1169}, Case{"letter", 850, 1100}, Case{"legal", 850, 1400}}) {
+        const Ink ink = drawn(repeated("H ", 1500), {"--paper", entry.paper, "--size=20", "--margin=20x30"});
+        EXPECT_EQ(ink.width, entry.width) << entry.paper;
+        EXPECT_EQ(ink.height, entry.height) << entry.paper;
+        ASSERT_GT(ink.columns.size(), 5U);
+        ASSERT_GT(ink.rows.size(), 5U);
+        const LONG word = ink.columns[1] - ink.columns[0];
+        const LONG line = ink.rows[1] - ink.rows[0];
+        const LONG right = entry.width - kTwenty;
+        const LONG bottom = entry.height - kThirty;
+        EXPECT_LT(ink.lastColumn, right) << entry.paper;
+        EXPECT_GE(ink.lastColumn + 2 * word, right) << entry.paper;
+        EXPECT_LT(ink.rows.back() - ink.rows[0] + kThirty, bottom) << entry.paper;
+        EXPECT_GE(ink.rows.back() - ink.rows[0] + kThirty + line, bottom) << entry.paper;
+    }
+}
+
+// Text on a form in colours: the form's pixels, and black ones.
+TEST(FaxPlace, AFormInColourKeepsItsColours) {
+    const WorkFolder folder;
+    folder.put("form.tif", bundled("buoy.tif"));
+    folder.put("a.txt", {'H', '\n', 'H'});
+    const Outcome outcome = folder.run({"fax", "a.txt", "out.tif", "--form", "form.tif", "--margin=10x20"});
+    EXPECT_EQ(outcome.out, "out.tif: page 1: 240 x 160, 24 bits, lzw\n");
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+    const auto pages = pagesIn(folder.get("out.tif"));
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(pages[0].tag(258).numbers, (std::vector<std::uint32_t>{8, 8, 8}));
+    EXPECT_EQ(pages[0].tag(282).numbers, (std::vector<std::uint32_t>{72, 1}));
+    EXPECT_EQ(pages[0].tag(283).numbers, (std::vector<std::uint32_t>{72, 1}));
+    const PagePixels form = pagePixels(folder, "form.tif");
+    const PagePixels printed = pagePixels(folder, "out.tif");
+    ASSERT_EQ(printed.values.size(), form.values.size());
+    PagePixels added{form.width, std::vector<DWORD>(form.values.size(), 0xFFFFFF)};
+    for (std::size_t i = 0; i < form.values.size(); ++i) {
+        if (printed.values[i] != form.values[i]) {
+            EXPECT_EQ(printed.values[i], 0U);
+            added.values[i] = 0;
+        }
+    }
+    const Ink ink = inkOf(added);
+    ASSERT_EQ(ink.rows.size(), 2U) << "two lines";
+    // 10 mm are 28 pixels, 20 mm 56.
+    EXPECT_GE(ink.columns.at(0), 28);
+    EXPECT_LT(ink.lastColumn, 28 + 12);
+    EXPECT_GE(ink.rows[0], 56);
+    EXPECT_LT(ink.rows[0], 56 + 12);
+}
+
+} // namespace
+} // namespace vellum::test
