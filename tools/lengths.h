@@ -34,4 +34,9 @@ inline std::vector<std::string> splitAt(const std::string &text, char separator)
     return parts;
 }
 
+// A place as the command line has it.
+inline std::string placeText(long x, long y) {
+    return std::to_string(x) + "," + std::to_string(y);
+}
+
 } // namespace tool

@@ -4,6 +4,7 @@
 #include "tools/console.h"
 #include "tools/dib_output.h"
 #include "tools/info.h"
+#include "tools/lengths.h"
 #include "tools/page_note.h"
 #include "tools/tag.h"
 
@@ -61,10 +62,6 @@ POINT parsePlace(const std::string &text) {
         throw UsageError("option '--at' wants two numbers as in 100,200, not '" + text + "'");
     }
     return place;
-}
-
-std::string placeText(LONG x, LONG y) {
-    return std::to_string(x) + "," + std::to_string(y);
 }
 
 // ---- list

@@ -27,7 +27,7 @@ name only when it is whole; an existing file is then replaced.
 Options:
       --text TEXT         what to print; \n begins a new line. Needed
       --at X,Y            where, in millimetres from the upper left corner.
-                          Default: 10,10
+                          Default: 10,10. It has to lie on the page
       --font NAME         Default: Arial
       --size N            of the font, in points. Default: 12
       --compression NAME  g4 (default), g3, g3-2d, mh, lzw, packbits or none;
@@ -74,6 +74,16 @@ POINT screenDotsPerInch() {
     const POINT dots = {GetDeviceCaps(screen, LOGPIXELSX), GetDeviceCaps(screen, LOGPIXELSY)};
     ReleaseDC(nullptr, screen);
     return dots;
+}
+
+// The size of a picture; one that does not tell its resolution has the screen's.
+POINT millimetresOf(const OwnedDib &dib, POINT dotsPerInch) {
+    const POINT screen = screenDotsPerInch();
+    const auto length = [](LONG pixels, LONG dots, LONG otherwise) {
+        return static_cast<LONG>(pixels * kMillimetresPerInch / (dots > 0 ? dots : otherwise));
+    };
+    return {length(dib.header().biWidth, dotsPerInch.x, screen.x),
+            length(dib.header().biHeight, dotsPerInch.y, screen.y)};
 }
 
 // The text on the DIB. The library counts in pixels of the screen and scales. In a picture coarser than the screen it
@@ -133,6 +143,11 @@ Status stamp(const SelectedPages &pages, const StampRequest &request, const File
         return complain(pages.label(index), libraryMessage(TiffError()));
     }
     const POINT dotsPerInch = dib.dotsPerInch();
+    if (const POINT page = millimetresOf(dib, dotsPerInch); request.x > page.x || request.y > page.y) {
+        return complain(pages.label(index), "the place " + placeText(request.x, request.y) +
+                                                " lies outside the page of " + std::to_string(page.x) + " x " +
+                                                std::to_string(page.y) + " millimetres.");
+    }
     const OwnedDib stamped = printOn(dib, dotsPerInch, request);
     if (!stamped) {
         return complain(pages.label(index), libraryMessage(VELLUM_NO_MEMORY));

@@ -21,7 +21,7 @@ struct Case {
 const char *const kReplaced = "the output would replace the input";
 const Case kCommands[] = {
     {{"convert", "in.tif", "OUT"}, kReplaced},
-    {{"stamp", "in.tif", "OUT", "--text=x"}, kReplaced},
+    {{"stamp", "in.tif", "OUT", "--text=x", "--at=0,0"}, kReplaced},
     {{"fax", "a.txt", "OUT", "--form=in.tif", "--margin=0"}, kReplaced},
     {{"note", "burn", "in.tif", "OUT"}, "the output is the input"},
     {{"copy", "--replace", "in.tif", "OUT"}, kReplaced},

@@ -80,11 +80,18 @@ TEST(Stamp, TheTextIsUtf8) {
     EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "\xE6\x97\xA5"}).status, 2U);
 }
 
-TEST(Stamp, OutsideThePageItChangesNothing) {
+// 1728 x 2287 pixels at 204 x 196 dots per inch: 215.2 x 296.4 millimetres.
+TEST(Stamp, APlaceOutsideThePageIsRefused) {
     const WorkFolder folder;
     folder.put("fax.tif", bundled("fax.tif"));
-    EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--at", "1000,10"}).err, "");
-    EXPECT_TRUE(pagePixels(folder, "out.tif").values == pagePixels(folder, "fax.tif").values);
+    for (const char *place : {"216,10", "10,297"}) {
+        const Outcome outcome = folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--at", place});
+        EXPECT_EQ(outcome.status, 1U);
+        EXPECT_EQ(outcome.err, "vellum: fax.tif: page 1: the place " + std::string(place) +
+                                   " lies outside the page of 215 x 296 millimetres.\n");
+        EXPECT_FALSE(folder.get("out.tif"));
+    }
+    EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--at", "215,296"}).err, "");
 }
 
 TEST(Stamp, WhatCannotBeReadOrCodedIsReported) {
