@@ -140,6 +140,7 @@ struct OFSTRUCT {
 struct SECURITY_ATTRIBUTES;
 
 #define BI_RGB 0L
+#define BI_BITFIELDS 3L
 #define DIB_RGB_COLORS 0
 #define MAX_PATH 260
 #define HFILE_ERROR (-1)
