@@ -1,5 +1,6 @@
 // Text on a copy of a bitmap: where it lands, where it is cut off, and what is left behind.
 #include "annot/overlays.h"
+#include "annot/uneven_screen.h"
 #include "support/faults.h"
 #include "support/gdi_calls.h"
 
@@ -74,6 +75,41 @@ TEST(BitmapTextOverlay, OnACoarserPictureTheTextsBeginningIsCutOff) {
     const Pixels pixels = drawn(overlay);
     EXPECT_TRUE(pixels == expected(overlay, {40, 30, kWidth, kHeight}, {{20, 15, "Received"}}));
     EXPECT_FALSE(pixels == expected(overlay, kWhole, {{20, 15, "Received"}}));
+}
+
+// By design: the second line begins above the coordinate, and so does what it may cover.
+TEST(BitmapTextOverlay, OnACoarserPictureTheSecondLineIsWhole) {
+    const Overlay overlay{
+        .x = 10, .y = 60, .text = "A\r\nBy", .xResolution = screenResolution(), .yResolution = screenResolution() / 2};
+    const int second = 30 + lineHeightOf(overlay.font());
+    ASSERT_LT(second, 55);
+    const TestBitmap picture = screenBitmap(kWidth, kHeight);
+    drawnOn(picture.get(), overlay.font(), {10, 60, kWidth, kHeight}, {{10, 30, "A"}});
+    EXPECT_TRUE(drawn(overlay) ==
+                drawnOn(picture.get(), overlay.font(), {10, second, kWidth, kHeight}, {{10, second, "By"}}));
+}
+
+TEST(BitmapTextOverlay, AResolutionOf0InOneDirectionIsTheScreensInThatOneOnly) {
+    const DWORD finer = 2 * screenResolution();
+    const Overlay across{.xResolution = finer};
+    EXPECT_TRUE(drawn(across) == expected(across, {10, 12, kWidth, kHeight}, {{20, 12, "Received"}}));
+    const Overlay down{.yResolution = finer};
+    EXPECT_TRUE(drawn(down) == expected(down, {10, 12, kWidth, kHeight}, {{10, 24, "Received"}}));
+}
+
+TEST(BitmapTextOverlay, OnAScreenOfTwoResolutionsEachDirectionHasItsOwn) {
+    const FreshLibrary library;
+    ASSERT_NE(library.get(), libraryModule());
+    const auto overlayText = library.entry<decltype(BitmapTextOverlay)>("BitmapTextOverlay");
+    ASSERT_NE(overlayText, nullptr);
+    const UnevenScreen screen(48, 192, library.get());
+    const TestBitmap picture = screenBitmap(kWidth, kHeight);
+    const LoadedBitmap finer(overlayText(picture.get(), 10, 12, "Received", "Arial", 6, 192, 288));
+    EXPECT_TRUE(pixelsOf(finer.get()) ==
+                expected({.points = 6, .yResolution = 288}, {10, 12, kWidth, kHeight}, {{40, 18, "Received"}}));
+    const LoadedBitmap without(overlayText(picture.get(), 10, 12, "Received", "Arial", 6, 0, 0));
+    EXPECT_TRUE(pixelsOf(without.get()) ==
+                expected({.points = 6, .yResolution = 192}, {10, 12, kWidth, kHeight}, {{10, 12, "Received"}}));
 }
 
 TEST(BitmapTextOverlay, EveryLineFeedMovesDownByALine) {

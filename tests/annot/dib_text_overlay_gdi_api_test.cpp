@@ -120,6 +120,19 @@ TEST(DibTextOverlay, OnADibOf200DotsPerInchThePositionIsScaled) {
     EXPECT_TRUE(pixelsOf(result) == expected(dib, font, {96, 0, 231, 60}, {{200, 0, "X"}}));
 }
 
+TEST(DibTextOverlay, OnADibOf200DotsPerInchAcrossAnd100DownEachDirectionHasItsOwn) {
+    ASSERT_EQ(screenResolution(), 96U);
+    const LOGFONTA font = overlayFont("Arial", 10, 100);
+    PackedDib dib = picture(1);
+    dib.header.biXPelsPerMeter = 7874;
+    dib.header.biYPelsPerMeter = 3937;
+    const Dib result(makeBlock(overlaid(dib, 48, 24, "X")));
+    EXPECT_TRUE(pixelsOf(result) == expected(dib, font, {48, 24, 231, 60}, {{100, 25, "X"}}));
+    // 200 * 39.37 and 100 * 39.37 without their fractions.
+    EXPECT_EQ(result.header().biXPelsPerMeter, 7873);
+    EXPECT_EQ(result.header().biYPelsPerMeter, 3936);
+}
+
 TEST(DibTextOverlay, TheNewDibHasTheResolutionInWholeDotsPerInch) {
     struct Case {
         LONG given;

@@ -48,6 +48,14 @@ TEST(FaxFailures, TheStatusCodesAreZeroToFour) {
     EXPECT_EQ(VELLUM_FAX_NO_MEMORY, 4);
 }
 
+TEST(FaxFailures, TheFlagsAreOneTwoAndFourAndTheKindsTenAndEleven) {
+    EXPECT_EQ(VELLUM_FAX_HUNDREDTHS, 1);
+    EXPECT_EQ(VELLUM_FAX_ITALIC, 2);
+    EXPECT_EQ(VELLUM_FAX_BOLD, 4);
+    EXPECT_EQ(VELLUM_FAX_BITMAPS, 10);
+    EXPECT_EQ(VELLUM_FAX_DIBS, 11);
+}
+
 TEST(FaxFailures, TextBehindTheLastPageIsReported) {
     const TextFile file(threePages());
     const FaxPageParams params = smallPage(file.path());

@@ -2,6 +2,7 @@
 #include "annot/overlays.h"
 #include "display/pictures.h"
 #include "support/gdi_calls.h"
+#include "support/tiff_builder.h"
 
 #include <gtest/gtest.h>
 
@@ -102,6 +103,32 @@ TEST(FormOverlay, WithoutAFormThereIsNoResult) {
     EXPECT_EQ(BitmapFormOverlay(nullptr, &params), nullptr);
     EXPECT_EQ(GdiCalls::counts().objects, 0);
     EXPECT_EQ(GdiCalls::counts().allContexts(), 0);
+}
+
+// Two bilevel images of one size.
+Bytes twoForms() {
+    const std::vector<tiff::Entry> entries = {tiff::shorts(256, {400}), tiff::shorts(257, {300}),
+                                              tiff::shorts(258, {1}),   tiff::shorts(259, {1}),
+                                              tiff::shorts(262, {0}),   tiff::shorts(278, {300})};
+    tiff::Builder file;
+    file.page(entries, {Bytes(50 * 300, BYTE{0x81})});
+    file.page(entries, {Bytes(50 * 300, BYTE{0x18})});
+    return file.bytes();
+}
+
+TEST(FormOverlay, OfAFileOfTwoImagesTheFirstOneIsTheForm) {
+    const TextFile text("x");
+    const TempFile form(twoForms());
+    const FaxPageParams params = smallPage(text.path());
+    const Pixels expected = formWithText(form.path(), params, {"x"});
+    ASSERT_EQ(expected.size(), 400U * 300U);
+    const LoadedBitmap second(LoadTiffIntoBitmap(form.path(), 1, 0));
+    ASSERT_TRUE(second);
+    EXPECT_FALSE(withText(second.get(), params, {"x"}) == expected);
+    const LoadedBitmap bitmap(BitmapFormOverlay(form.path(), &params));
+    EXPECT_TRUE(pixelsOf(bitmap.get()) == expected);
+    const Dib dib(DIBFormOverlay(form.path(), &params));
+    EXPECT_TRUE(pixelsOf(dib) == expected);
 }
 
 TEST(FormOverlay, TheFormIsImageZeroAndItsFileStays) {

@@ -48,9 +48,9 @@ void **importSlot(HMODULE module, const char *name) {
     return nullptr;
 }
 
-void ImportPatch::install(const char *name, void *replacement) {
+void ImportPatch::install(HMODULE module, const char *name, void *replacement) {
     restore();
-    slot_ = importSlot(libraryModule(), name);
+    slot_ = importSlot(module, name);
     if (slot_ != nullptr) {
         original_ = *slot_;
         write(slot_, replacement);

@@ -19,10 +19,10 @@ public:
     ImportPatch &operator=(const ImportPatch &) = delete;
     ~ImportPatch() { restore(); }
 
-    // Nothing happens when the library does not import the function.
+    // Nothing happens when the library, or another module that is given, does not import the function.
     template <class Function>
-    void replace(const char *name, Function *replacement) {
-        install(name, reinterpret_cast<void *>(replacement));
+    void replace(const char *name, Function *replacement, HMODULE module = libraryModule()) {
+        install(module, name, reinterpret_cast<void *>(replacement));
     }
     void restore();
 
@@ -33,7 +33,7 @@ public:
     }
 
 private:
-    void install(const char *name, void *replacement);
+    void install(HMODULE module, const char *name, void *replacement);
 
     void **slot_ = nullptr;
     void *original_ = nullptr;
