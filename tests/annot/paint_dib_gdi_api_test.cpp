@@ -1,103 +1,29 @@
 // Windows: DIBs and notes painted by PaintDIBWithNote, pixel by pixel.
+#include "annot/painted_dibs.h"
 #include "annot/plain_notes.h"
+#include "annot/uneven_screen.h"
 #include "support/faults.h"
 #include "support/gdi_calls.h"
-#include "write/packed_dibs.h"
 
 #include <gtest/gtest.h>
-
-#include <cmath>
 
 namespace {
 
 using namespace vellum::test;
 
-constexpr int kClientWidth = 300;
-constexpr int kClientHeight = 200;
+using Picture = DibPicture;
+using Look = DibLook;
+
 constexpr LONG kScreenDpi = 96;
-
-struct Look {
-    std::optional<RECT> area = {};
-    std::optional<std::array<LONG, 4>> zoom = {};
-    DWORD mode = 0;
-    const NoteRecord *note = nullptr;
-};
-
-// Answers WM_PAINT until nothing is left to be painted, as a program does. Result: how often it had to.
-int paint(const Host &host, HGLOBAL dib, const Look &look = {}) {
-    int paints = 0;
-    while (host.needsPainting() && paints < 10) {
-        ++paints;
-        EXPECT_EQ(PaintDIBWithNote(host.window(), dib, look.area ? &*look.area : nullptr,
-                                   look.zoom ? look.zoom->data() : nullptr, look.mode, look.note),
-                  1);
-    }
-    return paints;
-}
-
-// A picture in memory, and its pixels.
-class Picture {
-public:
-    Picture(LONG width, LONG height, WORD bits, LONG xPelsPerMeter = 0, LONG yPelsPerMeter = 0)
-        : dib_(width, height, bits) {
-        dib_.header.biXPelsPerMeter = xPelsPerMeter;
-        dib_.header.biYPelsPerMeter = yPelsPerMeter;
-        block_.emplace(makeBlock(dib_.bytes()));
-        pixels_ = pixelsOf(*block_);
-    }
-    [[nodiscard]] HGLOBAL get() const { return block_->get(); }
-    [[nodiscard]] LONG width() const { return dib_.header.biWidth; }
-    [[nodiscard]] LONG height() const { return dib_.header.biHeight; }
-    [[nodiscard]] DWORD at(LONG x, LONG y) const { return pixels_[static_cast<std::size_t>(y * width() + x)]; }
-    // What pixels that are zero look like.
-    [[nodiscard]] DWORD zero() const {
-        if (dib_.header.biBitCount > 8) {
-            return 0;
-        }
-        const RGBQUAD &first = dib_.colours.front();
-        return DWORD{first.rgbRed} << 16 | DWORD{first.rgbGreen} << 8 | first.rgbBlue;
-    }
-
-private:
-    PackedDib dib_;
-    std::optional<Dib> block_;
-    Pixels pixels_;
-};
-
-// A part of a picture on the screen by the scaler's rule, and the background beside it.
-Pixels expected(const Picture &picture, const RECT &part, const SIZE &shown, const SIZE &client) {
-    Pixels pixels(static_cast<std::size_t>(client.cx * client.cy), kBackground);
-    const LONG width = part.right - part.left;
-    const LONG height = part.bottom - part.top;
-    for (LONG y = 0; y < std::min(shown.cy, client.cy); ++y) {
-        for (LONG x = 0; x < std::min(shown.cx, client.cx); ++x) {
-            const LONG row = part.top + static_cast<LONG>(std::floor(double(y) * height / shown.cy + 0.5));
-            const LONG column = part.left + static_cast<LONG>(std::floor(double(x) * width / shown.cx + 0.5));
-            const bool there = row < part.bottom && row < picture.height() && column < picture.width();
-            pixels[static_cast<std::size_t>(y * client.cx + x)] = there ? picture.at(column, row) : picture.zero();
-        }
-    }
-    return pixels;
-}
-
-RECT whole(const Picture &picture) {
-    return {0, 0, picture.width(), picture.height()};
-}
-
-const SIZE kClient = {kClientWidth, kClientHeight};
-
-Pixels complement(Pixels pixels, const SIZE &shown) {
-    for (LONG y = 0; y < shown.cy; ++y) {
-        for (LONG x = 0; x < shown.cx; ++x) {
-            pixels[static_cast<std::size_t>(y * kClientWidth + x)] ^= 0xFFFFFF;
-        }
-    }
-    return pixels;
-}
-
 constexpr WORD kDepths[] = {1, 4, 8, 24};
 
 // ---------------------------------------------------------------- the picture
+
+// Programs have them compiled in.
+TEST(PaintDib, ItsModesAre8And0x20) {
+    EXPECT_EQ(VELLUM_SHOW_FIT, 8);
+    EXPECT_EQ(VELLUM_SHOW_INVERTED, 0x20);
+}
 
 TEST(PaintDib, ShowsEveryDepthPixelForPixelOnTheClassBackground) {
     for (const WORD bits : kDepths) {
@@ -125,66 +51,6 @@ TEST(PaintDib, InvertedIsTheComplement) {
     }
 }
 
-TEST(PaintDib, ShowsOtherDepthsWithoutTheScaler) {
-    for (const WORD bits : {WORD{16}, WORD{32}}) {
-        Host host(kClientWidth, kClientHeight);
-        host.reset({0, 100, 0, false}, {0, 100, 0, false});
-        Bytes bytes = PackedDib(40, 30, bits).bytes();
-        std::fill(bytes.begin() + 40, bytes.end(), BYTE{0xFF});
-        const DibBlock block(bytes);
-        paint(host, block.get());
-        Pixels white(kClientWidth * kClientHeight, kBackground);
-        for (std::size_t i = 0; i < white.size(); ++i) {
-            white[i] = i % kClientWidth < 40 && i / kClientWidth < 30 ? 0xFFFFFF : white[i];
-        }
-        EXPECT_TRUE(host.pixels() == white) << bits;
-    }
-}
-
-// A picture of one colour whose parts are found by masks behind its header.
-Bytes maskedPicture(WORD bits, const std::array<DWORD, 3> &masks, DWORD pixel) {
-    PackedDib dib(40, 30, bits);
-    dib.header.biCompression = BI_BITFIELDS;
-    Bytes bytes = dib.bytes();
-    bytes.resize(sizeof dib.header);
-    const auto *first = reinterpret_cast<const BYTE *>(masks.data());
-    bytes.insert(bytes.end(), first, first + sizeof masks);
-    for (int i = 0; i < 40 * 30; ++i) {
-        const auto *value = reinterpret_cast<const BYTE *>(&pixel);
-        bytes.insert(bytes.end(), value, value + bits / 8);
-    }
-    return bytes;
-}
-
-TEST(PaintDib, ColoursByMasksAreTheSystemsBusiness) {
-    const std::array<DWORD, 3> k565 = {0xF800, 0x07E0, 0x001F};
-    const std::array<DWORD, 3> kRedFirst = {0x0000FF, 0x00FF00, 0xFF0000};
-    const struct {
-        Bytes bytes;
-        DWORD colour;
-    } cases[] = {{maskedPicture(16, k565, 0x07E0), 0x00FF00}, {maskedPicture(32, kRedFirst, 0x0000FF), 0xFF0000}};
-    for (const auto &[bytes, colour] : cases) {
-        Host host(kClientWidth, kClientHeight);
-        host.reset({0, 100, 0, false}, {0, 100, 0, false});
-        paint(host, DibBlock(bytes).get());
-        Pixels shown(kClientWidth * kClientHeight, kBackground);
-        for (std::size_t i = 0; i < shown.size(); ++i) {
-            shown[i] = i % kClientWidth < 40 && i / kClientWidth < 30 ? colour : shown[i];
-        }
-        EXPECT_TRUE(host.pixels() == shown) << colour;
-    }
-}
-
-TEST(PaintDib, MasksAndPixelsThatAreNotAllThereGiveTheBackground) {
-    const Bytes whole = maskedPicture(16, {0xF800, 0x07E0, 0x001F}, 0x07E0);
-    for (const std::size_t missing : {std::size_t{1}, std::size_t{12}, whole.size() - 40, whole.size() - 48}) {
-        Host host(kClientWidth, kClientHeight);
-        host.reset({0, 100, 0, false}, {0, 100, 0, false});
-        paint(host, DibBlock(Bytes(whole.begin(), whole.end() - static_cast<std::ptrdiff_t>(missing))).get());
-        EXPECT_TRUE(host.pixels() == Pixels(kClientWidth * kClientHeight, kBackground)) << missing;
-    }
-}
-
 TEST(PaintDib, HasItsTrueSizeInEachDirection) {
     for (const WORD bits : kDepths) {
         Host host(kClientWidth, kClientHeight);
@@ -195,6 +61,31 @@ TEST(PaintDib, HasItsTrueSizeInEachDirection) {
         paint(host, picture.get());
         EXPECT_TRUE(host.pixels() == expected(picture, whole(picture), {51, 106}, kClient)) << bits;
     }
+}
+
+// 192 dots per inch across and none down, and the other way round with 48.
+TEST(PaintDib, OfNoResolutionInOneDirectionHasTheScreensInThatOneOnly) {
+    const struct {
+        LONG xPelsPerMeter, yPelsPerMeter;
+        SIZE shown;
+    } kPictures[] = {{7559, 0, {51, 53}}, {0, 1890, {101, 106}}};
+    for (const auto &[x, y, shown] : kPictures) {
+        Host host(kClientWidth, kClientHeight);
+        host.reset({0, 100, 0, false}, {0, 100, 0, false});
+        const Picture picture(101, 53, 8, x, y);
+        paint(host, picture.get());
+        EXPECT_TRUE(host.pixels() == expected(picture, whole(picture), shown, kClient)) << x << ", " << y;
+    }
+}
+
+// 96 dots per inch: half as wide, twice as high.
+TEST(PaintDib, OnAScreenOfTwoResolutionsEachDirectionHasItsOwn) {
+    Host host(kClientWidth, kClientHeight);
+    host.reset({0, 100, 0, false}, {0, 100, 0, false});
+    const UnevenScreen screen(48, 192);
+    const Picture picture(100, 53, 8, 3780, 3780);
+    paint(host, picture.get());
+    EXPECT_TRUE(host.pixels() == expected(picture, whole(picture), {50, 106}, kClient));
 }
 
 TEST(PaintDib, IsMultipliedByEachPairOfTheZoomWithoutAZero) {
@@ -315,6 +206,17 @@ TEST(PaintDib, FittedKeepsItsProportionsAndNeedsNoBars) {
     }
 }
 
+TEST(PaintDib, FittedAndInvertedIsTheComplement) {
+    for (const WORD bits : kDepths) {
+        Host host(kClientWidth, kClientHeight);
+        host.reset({0, 100, 0, false}, {0, 100, 0, false});
+        const Picture picture(100, 400, bits);
+        paint(host, picture.get(), {.mode = VELLUM_SHOW_FIT | VELLUM_SHOW_INVERTED});
+        EXPECT_TRUE(host.pixels() == complement(expected(picture, whole(picture), {50, 200}, kClient), {50, 200}))
+            << bits;
+    }
+}
+
 // ---------------------------------------------------------------- the area
 
 TEST(PaintDib, AnAreaShowsItsPartOfThePictureAndBackgroundBeside) {
@@ -360,9 +262,9 @@ Pixels withNote(const Host &host, const RECT &area, const RECT &clip, const Line
 }
 
 void expectNote(const Picture &picture, Look look, const RECT &area, const Lines &lines,
-                const ScrollState &horizontal = {0, 100, 0, false}) {
+                const ScrollState &horizontal = {0, 100, 0, false}, const ScrollState &vertical = {0, 100, 0, false}) {
     Host plainHost(kClientWidth, kClientHeight);
-    plainHost.reset(horizontal, {0, 100, 0, false});
+    plainHost.reset(horizontal, vertical);
     Look withoutNote = look;
     withoutNote.note = nullptr;
     paint(plainHost, picture.get(), withoutNote);
@@ -372,7 +274,7 @@ void expectNote(const Picture &picture, Look look, const RECT &area, const Lines
     const Pixels wanted = withNote(plainHost, area, {look.area ? look.area->left : 0, 0, right, client.cy}, lines,
                                    look.note->opaque != 0);
     Host host(kClientWidth, kClientHeight);
-    host.reset(horizontal, {0, 100, 0, false});
+    host.reset(horizontal, vertical);
     paint(host, picture.get(), look);
     EXPECT_TRUE(host.pixels() == wanted);
     EXPECT_TRUE(wanted != bare);
@@ -403,6 +305,38 @@ TEST(PaintDibNote, IsMovedByZoomAndScrollBarsAndNotScaled) {
     expectNote(Picture(140, 60, 8), {.zoom = {{2, 1, 3, 1}}, .note = &note.record}, {60, 30, 110, 45}, {"Hello"});
     keep(note, {200, 10, 250, 25}, 1);
     expectNote(Picture(400, 100, 8), {.note = &note.record}, {100, 10, 150, 25}, {"Hello"}, {0, 100, 100, true});
+    keep(note, {20, 150, 70, 165}, 1);
+    expectNote(Picture(100, 300, 8), {.note = &note.record}, {20, 50, 70, 65}, {"Hello"}, {0, 100, 0, false},
+               {0, 100, 100, true});
+}
+
+// What is inverted is the picture.
+TEST(PaintDibNote, LiesOnAnInvertedPictureAsItIs) {
+    OwnedNote note("Hello");
+    keep(note, {10, 20, 110, 60}, 1);
+    expectNote(Picture(200, 100, 8), {.mode = VELLUM_SHOW_INVERTED, .note = &note.record}, {10, 20, 110, 60},
+               {"Hello"});
+}
+
+// The window needs only the lower half of the first line and the upper half of the second one.
+TEST(PaintDibNote, LinesThatReachIntoWhatIsPaintedAnewAreDrawn) {
+    const Picture picture(200, 100, 8);
+    OwnedNote note("MMMM\r\nMMMM\r\nMMMM");
+    keep(note, {10, 20, 110, 90}, 1);
+    const auto strip = [&](bool stripOnly) {
+        Host host(kClientWidth, kClientHeight);
+        host.reset({0, 100, 0, false}, {0, 100, 0, false});
+        const LONG height = plainExtent(host.dc(), "M").cy;
+        const RECT part = {0, 20 + height / 2, kClientWidth, 20 + height + height / 2};
+        if (stripOnly) {
+            ValidateRect(host.window(), nullptr);
+            InvalidateRect(host.window(), &part, FALSE);
+        }
+        paint(host, picture.get(), {.note = &note.record});
+        const Pixels all = host.pixels();
+        return Pixels(all.begin() + part.top * kClientWidth, all.begin() + part.bottom * kClientWidth);
+    };
+    EXPECT_TRUE(strip(true) == strip(false));
 }
 
 // 192 dots per inch in one direction: half of the place, and half of the rectangle, whatever the zoom is.
@@ -412,6 +346,7 @@ TEST(PaintDibNote, ItsRectangleIsScaledByTheResolution) {
     expectNote(Picture(300, 100, 8, 7559, 3780), {.note = &note.record}, {10, 10, 40, 30}, {"Hello world"});
     expectNote(Picture(140, 50, 8, 7559, 3780), {.zoom = {{4, 1, 2, 1}}, .note = &note.record}, {40, 20, 70, 40},
                {"Hello world"});
+    expectNote(Picture(140, 100, 8, 3780, 7559), {.note = &note.record}, {20, 5, 80, 15}, {"Hello world"});
 }
 
 TEST(PaintDibNote, ShowsTheFirst40CharactersOfALine) {
@@ -485,6 +420,34 @@ TEST(PaintDib, WithoutMemoryForTheScaledPartDrawsThePictureDirectly) {
     paint(host, picture.get());
     EXPECT_TRUE(fault.happened());
     EXPECT_TRUE(host.pixels() == expected(picture, whole(picture), {101, 53}, kClient));
+}
+
+int palettesWhenDrawn = 0;
+ImportPatch drawingDibs;
+
+int WINAPI notePalettes(HDC dc, int x, int y, int width, int height, int fromX, int fromY, int fromWidth,
+                        int fromHeight, const void *bits, const BITMAPINFO *info, UINT usage, DWORD operation) {
+    palettesWhenDrawn += GdiCalls::counts().paletteSelections == 1 && GdiCalls::counts().paletteRealizations == 1;
+    return drawingDibs.original<decltype(StretchDIBits)>()(dc, x, y, width, height, fromX, fromY, fromWidth, fromHeight,
+                                                           bits, info, usage, operation);
+}
+
+TEST(PaintDib, IsDrawnWithItsPaletteRealizedAndTheFormerOneComesBack) {
+    Host host(kClientWidth, kClientHeight);
+    for (const WORD bits : kDepths) {
+        host.reset({0, 100, 0, false}, {0, 100, 0, false});
+        const Picture picture(100, 80, bits);
+        palettesWhenDrawn = 0;
+        const GdiCalls calls;
+        drawingDibs.replace("StretchDIBits", &notePalettes);
+        EXPECT_EQ(paint(host, picture.get()), 1);
+        drawingDibs.restore();
+        EXPECT_EQ(palettesWhenDrawn, 1) << bits;
+        EXPECT_EQ(GdiCalls::tried(GdiCalls::Fail::Palette), 1) << bits;
+        EXPECT_EQ(GdiCalls::counts().paletteSelections, 2) << bits;
+        EXPECT_NE(GdiCalls::counts().original, nullptr) << bits;
+        EXPECT_EQ(GdiCalls::counts().selected, GdiCalls::counts().original) << bits;
+    }
 }
 
 TEST(PaintDib, GivesEverythingBack) {

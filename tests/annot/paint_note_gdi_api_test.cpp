@@ -77,6 +77,73 @@ TEST(PaintNote, AnOpaqueOneFillsItsRectangleOnceForAllLines) {
     EXPECT_EQ(drawn.pixels[99 * kWidth + 300], kUntouched);
 }
 
+TEST(PaintNote, AnyNumberBut0IsOpaqueAndKeptAsAText) {
+    for (const LONG set : {-7, 2, 0x100}) {
+        OwnedNote note("Hello");
+        placed(note, 10, 20, 300, 100).record.opaque = set;
+        note.record.inHeader = set;
+        const Drawn drawn = draw(&note.record);
+        EXPECT_EQ(drawn.result, 1) << set;
+        EXPECT_TRUE(drawn.pixels == plain({10, 20, 300, 100}, {"Hello"}, true)) << set;
+    }
+}
+
+// A font with space between its lines; null when no size of these has any.
+HFONT fontWithLeading() {
+    const Sheet sheet;
+    for (const char *face : {"Arial", "Times New Roman", "Courier New", "Tahoma", ""}) {
+        for (int height = 12; height <= 50; ++height) {
+            const HFONT font = CreateFontA(-height, 0, 0, 0, 0, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, face);
+            const HGDIOBJ before = SelectObject(sheet.dc(), font);
+            TEXTMETRICA metrics{};
+            GetTextMetricsA(sheet.dc(), &metrics);
+            SelectObject(sheet.dc(), before);
+            if (metrics.tmExternalLeading > 0) {
+                return font;
+            }
+            DeleteObject(font);
+        }
+    }
+    return nullptr;
+}
+
+TEST(PaintNote, BetweenTwoLinesIsTheFontsExternalLeading) {
+    const HFONT font = fontWithLeading();
+    if (font == nullptr) {
+        GTEST_SKIP() << "no font here has space between its lines";
+    }
+    OwnedNote note("Hello\r\nworld");
+    placed(note, 10, 0, 600, kHeight);
+    {
+        const Sheet sheet;
+        const Sheet expected;
+        for (const HDC dc : {sheet.dc(), expected.dc()}) {
+            SelectObject(dc, font);
+        }
+        SetBkMode(expected.dc(), TRANSPARENT);
+        EXPECT_EQ(PaintNotePlus(nullptr, sheet.dc(), nullptr, 1, 1, nullptr, &note.record), 1);
+        drawPlainly(expected.dc(), {10, 0, 600, kHeight}, {"Hello", "world"});
+        EXPECT_TRUE(sheet.pixels() == expected.pixels());
+    }
+    DeleteObject(font);
+}
+
+TEST(PaintNote, LinesThatAClipRegionShowsAPartOfAreDrawn) {
+    OwnedNote note("MMMM\r\nMMMM\r\nMMMM");
+    placed(note, 10, 20, 300, 100);
+    const Sheet sheet;
+    const Sheet expected;
+    const LONG half = plainExtent(sheet.dc(), "M").cy / 2;
+    SetBkMode(expected.dc(), TRANSPARENT);
+    for (const HDC dc : {sheet.dc(), expected.dc()}) {
+        IntersectClipRect(dc, 0, 20 + half, kWidth, 20 + 3 * half);
+    }
+    EXPECT_EQ(PaintNotePlus(nullptr, sheet.dc(), nullptr, 1, 1, nullptr, &note.record), 1);
+    drawPlainly(expected.dc(), {10, 20, 300, 100}, {"MMMM", "MMMM", "MMMM"});
+    EXPECT_TRUE(sheet.pixels() == expected.pixels());
+    EXPECT_TRUE(sheet.pixels() != blank());
+}
+
 TEST(PaintNote, SkipsRunsOfLineEnds) {
     for (const char *text : {"a\rb", "a\nb", "a\r\nb", "\r\n\r\na\r\n\n\r\rb\r\n", "a\n\nb"}) {
         OwnedNote note(text);
