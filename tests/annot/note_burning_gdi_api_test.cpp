@@ -1,4 +1,5 @@
 // Windows: notes burned into images of every depth, pixel by pixel against texts drawn plainly.
+#include "annot/answered_dialogs.h"
 #include "annot/plain_notes.h"
 #include "support/dialog_user.h"
 #include "support/faults.h"
@@ -185,6 +186,79 @@ TEST(NoteBurning, OfAHugeTextNeedsNoMoreThanTheImageDoes) {
     EXPECT_EQ(burned.result, 1);
     EXPECT_GT(burned.record.bottom, 100000);
     EXPECT_EQ(GlobalSize(burned.record.image), burned.before.bytes().size());
+}
+
+constexpr INT_PTR kStored = 2;
+
+// Without a dialog, which would make the flags 0 and 1. Result: that of NotePlus; the image is the new one.
+LONG burnAsItIs(NoteRecord &record) {
+    const AnsweredDialogs dialogs(kStored);
+    return NotePlus(nullptr, &record, nullptr, nullptr, nullptr, 0);
+}
+
+TEST(NoteBurning, AnyNumberBut0IsOpaque) {
+    const DibBlock image(pictureOf(8));
+    const auto burnedWith = [&](LONG opaque) {
+        NoteRecord record = {0, opaque, textBlock("Hello"), 20, 10, 0, 0, image.get()};
+        EXPECT_EQ(burnAsItIs(record), 1);
+        EXPECT_NE(record.image, image.get());
+        return Dib(record.image).bytes();
+    };
+    const Bytes opaque = burnedWith(1);
+    EXPECT_TRUE(opaque != burnedWith(0));
+    for (const LONG other : {-7, 2, 0x100}) {
+        EXPECT_TRUE(burnedWith(other) == opaque) << other;
+    }
+}
+
+TEST(NoteBurning, OfANoteKeptAsATextByAnyNumberBut0DoesNotHappen) {
+    const DibBlock image(pictureOf(8));
+    for (const LONG inHeader : {1, -7, 2, 0x100}) {
+        OwnedNote note("Hello");
+        note.record.inHeader = inHeader;
+        note.record.image = image.get();
+        EXPECT_EQ(burnAsItIs(note.record), 1) << inHeader;
+        const AnsweredDialogs dialogs(kStored);
+        EXPECT_EQ(Note(nullptr, &note.record), 1) << inHeader;
+        EXPECT_EQ(note.record.image, image.get()) << inHeader;
+        EXPECT_EQ(note.text(), "Hello") << inHeader;
+        note.record.image = nullptr;
+    }
+}
+
+constexpr LONG kLeading = 3;
+ImportPatch measuringFonts;
+
+BOOL WINAPI withLeading(HDC dc, TEXTMETRICA *metrics) {
+    const BOOL known = measuringFonts.original<decltype(GetTextMetricsA)>()(dc, metrics);
+    metrics->tmExternalLeading += kLeading;
+    return known;
+}
+
+// As a font with more space between its lines would do it; the system's own has little or none.
+TEST(NoteBurning, BetweenTwoLinesIsTheFontsExternalLeading) {
+    const DibBlock image(pictureOf(8));
+    NoteRecord record = {0, 0, textBlock("Hello\r\nworld"), 20, 10, 0, 0, image.get()};
+    measuringFonts.replace("GetTextMetricsA", &withLeading);
+    EXPECT_EQ(burnAsItIs(record), 1);
+    measuringFonts.restore();
+    const Dib after(record.image);
+    const LONG width = record.right - record.left;
+    const LONG height = record.bottom - record.top;
+    const MemoryTarget paper(MemoryTarget::Kind::Monochrome, width, height);
+    PatBlt(paper.dc(), 0, 0, width, height, WHITENESS);
+    TEXTMETRICA metrics{};
+    GetTextMetricsA(paper.dc(), &metrics);
+    drawPlainly(paper.dc(), {0, 0, width, height}, {"Hello"});
+    drawPlainly(paper.dc(), {0, metrics.tmHeight + metrics.tmExternalLeading + kLeading, width, height}, {"world"});
+    const Pixels ink = paper.pixels();
+    Pixels pixels = pixelsOf(Dib(makeBlock(pictureOf(8).bytes())));
+    for (LONG i = 0; i < width * height; ++i) {
+        if (ink[static_cast<std::size_t>(i)] == 0) {
+            pixels[static_cast<std::size_t>((10 + i / width) * kWidth + 20 + i % width)] = 0;
+        }
+    }
+    EXPECT_TRUE(pixelsOf(after) == pixels);
 }
 
 TEST(NoteBurning, DeletesEveryObjectThatItMakes) {

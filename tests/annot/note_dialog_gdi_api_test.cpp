@@ -128,11 +128,13 @@ TEST(NoteDialog, IsLightGrey) {
     show(note.record, [](HWND dialog) {
         const HDC dc = GetDC(dialog);
         for (const UINT message : {WM_CTLCOLORDLG, WM_CTLCOLORSTATIC, WM_CTLCOLORBTN}) {
+            SetBkColor(dc, RGB(255, 0, 0));
             const INT_PTR brush = SendMessageA(dialog, message, reinterpret_cast<WPARAM>(dc), 0);
             LOGBRUSH look{};
             ASSERT_NE(GetObjectA(reinterpret_cast<HGDIOBJ>(brush), sizeof look, &look), 0);
             EXPECT_EQ(look.lbStyle, UINT{BS_SOLID});
             EXPECT_EQ(look.lbColor, COLORREF{0xC0C0C0});
+            EXPECT_EQ(GetBkColor(dc), COLORREF{0xC0C0C0}) << "what texts stand on";
         }
         ReleaseDC(dialog, dc);
         press(dialog, IDCANCEL);

@@ -1,6 +1,7 @@
 // Windows: notes from the dialog to their place, by Note and NotePlus.
 #include "annot/answered_dialogs.h"
 #include "annot/plain_notes.h"
+#include "annot/uneven_screen.h"
 #include "support/dialog_user.h"
 #include "support/gdi_calls.h"
 #include "write/packed_dibs.h"
@@ -50,11 +51,15 @@ LONG notePlus(HWND window, NoteRecord &record, const std::vector<int> &buttons, 
 const std::vector<int> kStoreInHeader = {kInHeader, IDOK};
 const std::vector<int> kStoreOnImage = {kOnImage, IDOK};
 
-HGLOBAL dibBlock(LONG width, LONG height, LONG pelsPerMeter = 0) {
+HGLOBAL dibBlock(LONG width, LONG height, LONG xPelsPerMeter, LONG yPelsPerMeter) {
     PackedDib dib(width, height, 8);
-    dib.header.biXPelsPerMeter = pelsPerMeter;
-    dib.header.biYPelsPerMeter = pelsPerMeter;
+    dib.header.biXPelsPerMeter = xPelsPerMeter;
+    dib.header.biYPelsPerMeter = yPelsPerMeter;
     return makeBlock(dib.bytes());
+}
+
+HGLOBAL dibBlock(LONG width, LONG height, LONG pelsPerMeter = 0) {
+    return dibBlock(width, height, pelsPerMeter, pelsPerMeter);
 }
 
 void expectRectangle(const NoteRecord &record, LONG left, LONG top, const SIZE &size) {
@@ -232,6 +237,90 @@ TEST(NoteRectangle, OfNotePlusIsWhereTheUserClicked) {
     expectRectangle(
         placedBy({.click = POINT{200, 0}, .offset = POINT{0, 0}, .flags = VELLUM_NOTE_BY_RESOLUTION})->record,
         static_cast<LONG>(200 * (3780 * 0.0254000508001016) / dpi + 0.5), 0, size);
+}
+
+TEST(NoteRectangle, ByResolutionIsScaledByThatOfEachDirection) {
+    const Host host(300, 200);
+    const auto placedIn = [&](LONG xPelsPerMeter, LONG yPelsPerMeter) {
+        auto asked = std::make_unique<AskedNote>("x");
+        asked->record.image = dibBlock(1000, 500, xPelsPerMeter, yPelsPerMeter);
+        EXPECT_EQ(notePlus(host.window(), asked->record, kStoreInHeader,
+                           {.click = POINT{100, 60}, .offset = POINT{0, 0}, .flags = VELLUM_NOTE_BY_RESOLUTION}),
+                  1);
+        return POINT{asked->record.left, asked->record.top};
+    };
+    ASSERT_EQ(GetDeviceCaps(host.dc(), LOGPIXELSX), 96);
+    const POINT finerDown = placedIn(3780, 7559); // 96 x 192 dots per inch
+    EXPECT_EQ(finerDown.x, 100);
+    EXPECT_EQ(finerDown.y, 120);
+    const POINT finerAcross = placedIn(7559, 3780);
+    EXPECT_EQ(finerAcross.x, 200);
+    EXPECT_EQ(finerAcross.y, 60);
+    const UnevenScreen screen(48, 192);
+    const POINT uneven = placedIn(3780, 3780);
+    EXPECT_EQ(uneven.x, 200);
+    EXPECT_EQ(uneven.y, 30);
+}
+
+// A window that keeps its device context, with a font in it that no other one has.
+class OwnDcWindow {
+public:
+    OwnDcWindow() : font_(CreateFontA(-40, 0, 0, 0, FW_BOLD, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, "Arial")) {
+        WNDCLASSA description{};
+        description.style = CS_OWNDC;
+        description.lpfnWndProc = &DefWindowProcA;
+        description.hInstance = GetModuleHandleA(nullptr);
+        description.lpszClassName = kClass;
+        RegisterClassA(&description);
+        window_ = CreateWindowExA(0, kClass, "", WS_POPUP | WS_VISIBLE, 0, 0, 400, 300, nullptr, nullptr,
+                                  description.hInstance, nullptr);
+        before_ = SelectObject(dc(), font_);
+    }
+    OwnDcWindow(const OwnDcWindow &) = delete;
+    OwnDcWindow &operator=(const OwnDcWindow &) = delete;
+    ~OwnDcWindow() {
+        SelectObject(dc(), before_);
+        DeleteObject(font_);
+        DestroyWindow(window_);
+        UnregisterClassA(kClass, GetModuleHandleA(nullptr));
+    }
+    [[nodiscard]] HWND window() const { return window_; }
+    // The same one every time; there is nothing to release.
+    [[nodiscard]] HDC dc() const { return GetDC(window_); }
+
+private:
+    static constexpr char kClass[] = "VellumOwnDcWindow";
+
+    HFONT font_;
+    HWND window_ = nullptr;
+    HGDIOBJ before_ = nullptr;
+};
+
+TEST(NoteRectangle, IsMeasuredInTheFontThatTheWindowsDeviceContextHas) {
+    const OwnDcWindow own;
+    const SIZE size = plainSize(own.dc(), {"Hello", "WW"});
+    const Host plainHost(400, 300);
+    ASSERT_NE(size.cy, plainSize(plainHost.dc(), {"Hello", "WW"}).cy);
+    AskedNote asked("Hello\r\n");
+    EXPECT_EQ(note(own.window(), asked.record, kStoreInHeader), 1);
+    expectRectangle(asked.record, 0, 0, size);
+    AskedNote other("Hello\r\n");
+    EXPECT_EQ(notePlus(own.window(), other.record, kStoreInHeader, {.click = POINT{5, 6}}), 1);
+    expectRectangle(other.record, 5, 6, size);
+}
+
+// By design: the place is known when the image comes.
+TEST(NoteRectangle, IsMeasuredAndPlacedWithoutAnImageToo) {
+    const Host host(300, 200);
+    const SIZE size = plainSize(host.dc(), {"Hello", "world"});
+    AskedNote asked("Hello\r\nworld");
+    asked.record.left = 7;
+    asked.record.top = 9;
+    EXPECT_EQ(note(host.window(), asked.record, kStoreOnImage), 0);
+    expectRectangle(asked.record, 7, 9, size);
+    AskedNote other("Hello\r\nworld");
+    EXPECT_EQ(notePlus(host.window(), other.record, kStoreOnImage, {.click = POINT{50, 60}, .offset = POINT{1, 2}}), 0);
+    expectRectangle(other.record, 51, 62, size);
 }
 
 // Pictures that nothing can be burned into have notes, too.

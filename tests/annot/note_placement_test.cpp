@@ -27,6 +27,12 @@ constexpr DWORD kByResolution = VELLUM_NOTE_BY_RESOLUTION;
 constexpr DWORD kCentered = VELLUM_NOTE_CENTERED;
 constexpr POINT kNoOffset = {0, 0};
 
+// Programs have them compiled in.
+TEST(NotePlace, ItsFlagsAre4And0x80) {
+    EXPECT_EQ(VELLUM_NOTE_BY_RESOLUTION, 4);
+    EXPECT_EQ(VELLUM_NOTE_CENTERED, 0x80);
+}
+
 // ---------------------------------------------------------------- the scale
 
 TEST(NoteScale, IsAPixelForAPixelWithoutTheFlag) {
@@ -146,6 +152,23 @@ TEST(NotePlace, InACenteredImageCountsFromItsCorner) {
     const POINT beside = {99, -5};
     expectPoint(notePlace(image, {&beside, &kNoOffset, nullptr, kCentered}, {}), 0, 0);
     expectPoint(notePlace(image, {&click, &kNoOffset, nullptr, 0}, {}), 110, 51);
+}
+
+TEST(NotePlace, InAnImageCenteredInBothDirectionsEachHasItsOwnMargin) {
+    NotedImage image = fax();
+    image.pixels = {100, 80};
+    const POINT click = {110, 70};
+    // (300 - 100) / 2 = 100; (200 - 80) / 2 = 60.
+    expectPoint(notePlace(image, {&click, &kNoOffset, nullptr, kCentered}, {}), 10, 10);
+}
+
+TEST(NotePlace, TheMarginsOfACenteredImageAreThoseOfItsScaledSize) {
+    NotedImage image = fax();
+    image.pixels = {100, 80};
+    const POINT click = {120, 85};
+    const LONG zoom[] = {2, 1, 1, 2};
+    // 200 x 40: margins of 50 and 80; 70 / 2 and 5 * 2.
+    expectPoint(notePlace(image, {&click, &kNoOffset, zoom, kCentered}, {}), 35, 10);
 }
 
 TEST(NotePlace, OfAClickOutsideIsLeftAsItIsUnlessTheImageIsCentered) {

@@ -82,6 +82,16 @@ TEST(NoteTag, IsMarkOpacityRectangleBlockSizeAndText) {
     EXPECT_EQ(storedTag(tiff.get(), 1, kNoteTag).count, 0U);
 }
 
+TEST(NoteTag, OfANoteThatIsOpaqueByAnyNumberBut0SaysSo) {
+    const OpenedTiff tiff(pages());
+    OwnedNote note("x");
+    for (const LONG opaque : {-7, 2, 0x100, -0x7FFFFFFF - 1}) {
+        note.record.opaque = opaque;
+        EXPECT_EQ(AddNoteTagToTiff(tiff.get(), 0, &note.record), 1) << opaque;
+        EXPECT_EQ(storedNote(tiff), std::string("~,1,O,0,0,0,0,2,x") + '\0') << opaque;
+    }
+}
+
 TEST(NoteTag, HasTheSizeOfTheWholeBlockAndTheTextUpToItsTerminator) {
     const OpenedTiff tiff(pages());
     OwnedNote note;
@@ -161,6 +171,18 @@ TEST(NoteTag, ReadsBackInAFileOnDisk) {
     EXPECT_EQ(lockCount(back.record.text), 0U);
     EXPECT_EQ(GetNoteTagFromTiff(tiff.get(), 0, &note.record), 0) << "the other image has none";
     EXPECT_EQ(TiffError(), static_cast<DWORD>(VELLUM_TAG_NOT_DEFINED));
+}
+
+// By design: it is the caller's, as the header says.
+TEST(NoteTag, ReadIntoARecordWithATextLeavesThatOnesBlock) {
+    OwnedNote note("former");
+    const HGLOBAL former = note.record.text;
+    EXPECT_EQ(readNote(pagesWith("~,1,O,1,2,3,4,5,new"), note).result, 1);
+    EXPECT_EQ(note.text(), "new");
+    ASSERT_NE(note.record.text, former);
+    EXPECT_EQ(blockBytes(former), bytesOf(std::string("former") + '\0'));
+    EXPECT_EQ(lockCount(former), 0U);
+    GlobalFree(former);
 }
 
 TEST(NoteTag, EmptyFieldsAreZero) {
