@@ -175,9 +175,11 @@ typedef struct CalsNotes {
  * function's text says that it frees one.
  */
 typedef struct NoteRecord {
-    LONG inHeader; /* not 0: the note is kept as a text, in a tag; 0: it is, or is to be, part of the pixels */
+    LONG inHeader; /* not 0: the note is kept as a text, in a tag; 0: it is, or is to be, part of the pixels. The dialog
+                      begins with it, so set it to 1 for a note without an image */
     LONG opaque;   /* not 0: its background is filled */
-    HGLOBAL text;  /* movable block: the text, lines separated by CR LF, with a NUL; NULL when there is no note */
+    HGLOBAL text;  /* movable block: the text, lines separated by CR LF, with a NUL; NULL when there is no note. With a
+                      line feed alone the text is measured as one line, and burning cuts the other lines off */
     LONG left;     /* its rectangle in pixels of the image; right and bottom lie outside */
     LONG top;
     LONG right;
@@ -1160,11 +1162,9 @@ DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
 /* What it tells of its work. */
 #define VELLUM_FAX_COMPLETE 0      /* the whole text is on the pages */
 #define VELLUM_FAX_NOTHING_TO_DO 1 /* no record, no array for the pages, or a page limit of 0 */
-#define VELLUM_FAX_PAGE_LIMIT                                                                                          \
-    2                          /* there was no room for another page, which the rest of the text, or nothing, is on    \
-                                */
-#define VELLUM_FAX_NO_TEXT 3   /* the text file could not be opened */
-#define VELLUM_FAX_NO_MEMORY 4 /* a page, its DIB or the memory device context could not be made */
+#define VELLUM_FAX_PAGE_LIMIT 2    /* there are more pages than room: the text goes on, or ends with a full page */
+#define VELLUM_FAX_NO_TEXT 3       /* the text file could not be opened */
+#define VELLUM_FAX_NO_MEMORY 4     /* a page, its DIB or the memory device context could not be made */
 
 /*
  * Draws a text file on pages, black on white, 1 bit per pixel.
@@ -1185,7 +1185,15 @@ DWORD VELLUMAPI LoadAnnotationFromTiff(const char *path, DWORD tag);
  * been passed already; all other bytes below 32 are left out, line feeds and form feeds too. A line that reaches the
  * right margin goes on below, behind its last blank or ! , - . : ; ? if it has one. A page is full when the next line
  * would begin in the bottom margin: a text that fills its page to the last line and ends that line has one more page.
- * DIBs have the record's resolutions.
+ *
+ * The file is in the ANSI code page. Lines that end with a line feed alone run into one: put CR LF there first. A
+ * record whose page has no pixels gives VELLUM_FAX_NO_MEMORY; without tab stops a tab adds nothing; without a face the
+ * font size counts for nothing; margins that leave no room give every byte a line, or a page, of its own.
+ *
+ * DIBs have the record's resolutions, their pixels per metre cut to a whole number: 8031 for 204 dots per inch. A saver
+ * cuts again, to 203: for a TIFF of whole dots per inch set biXPelsPerMeter to the next number above dpi / 0.0254
+ * before (204: 8032, 196: 7717). A fax machine's line has 1728 pixels, which no record at 204 dots per inch gives: draw
+ * on a white bitmap of your own that is so wide.
  *
  * A line is as wide as its bytes are one by one. In an ANSI code page with characters of two bytes and more (932, 936,
  * UTF-8) that is not what is drawn: lines are wrapped too early or too late there, perhaps within a character.
@@ -1200,14 +1208,18 @@ DWORD VELLUMAPI CreateDIBFaxPageFromASCII(const FaxPageParams *params, DWORD max
 /*
  * Prints a text file on a form.
  *   tiffPath  the form: image 0 of a TIFF
- *   params    as for CreateFaxPageFromASCII; the page is the form, whatever its size
+ *   params    as for CreateFaxPageFromASCII; the page is the form, whatever its size. Give it the form's resolution
+ *             (GetTiffImageDPI)
  * Only the text's first page is used. Result: the form with the text, a bitmap for the screen; or NULL when the form
  * could not be loaded. When there is something wrong with the text, the form comes without it.
  * Errors: as LoadTiffIntoBitmap, of the form alone.
  */
 HBITMAP VELLUMAPI BitmapFormOverlay(const char *tiffPath, const FaxPageParams *params);
 
-/* The same as a packed DIB, with the record's resolutions; NULL also when there is something wrong with the text. */
+/*
+ * The same as a packed DIB, with the record's resolutions; NULL also when there is something wrong with the text, with
+ * the error number 0 then.
+ */
 HGLOBAL VELLUMAPI DIBFormOverlay(const char *tiffPath, const FaxPageParams *params);
 
 /*
@@ -1220,8 +1232,14 @@ HGLOBAL VELLUMAPI DIBFormOverlay(const char *tiffPath, const FaxPageParams *para
  *   points       its size
  *   xResolution  the picture's dots per inch; 0 for the screen's
  *   yResolution  likewise
- * Nothing is drawn to the left of x or above y, counted in pixels of the picture. Lines are not wrapped.
- * Result: a new bitmap of the same size and depth, or NULL. Sets no error number.
+ * So x is millimetres * LOGPIXELSX / 25.4, or a pixel of the picture * LOGPIXELSX / xResolution. Lines are not wrapped.
+ *
+ * Nothing is drawn to the left of x or above y, counted in pixels of the picture: on a picture coarser than the screen
+ * that cuts the text's beginning off. There, say that the resolution is the screen's (0), and give place and size in
+ * pixels of the picture: points * dpi / LOGPIXELSY.
+ *
+ * Result: a new bitmap of the same size and depth, also for an empty text or face and where the text lies outside; or
+ * NULL, without a text or a face, too. Sets no error number.
  */
 HBITMAP VELLUMAPI BitmapTextOverlay(HBITMAP bitmap, LONG x, LONG y, const char *text, const char *face, DWORD points,
                                     DWORD xResolution, DWORD yResolution);
@@ -1230,7 +1248,8 @@ HBITMAP VELLUMAPI BitmapTextOverlay(HBITMAP bitmap, LONG x, LONG y, const char *
  * The same of a packed DIB (1, 4, 8, 16, 24 or 32 bits per pixel, uncompressed, bottom-up), by its own resolution. The
  * text has the nearest colour to black that the DIB's colour table has.
  * Result: a new DIB of the same depth and colours, or NULL. Its resolution is the old one cut to whole dots per inch,
- * and their pixels per metre cut to a whole number: set the fields again where that matters.
+ * and their pixels per metre cut to a whole number: set the fields again, or a picture that is stamped and saved
+ * several times loses a dot per inch or two each time. On a picture coarser than the screen clear them for the call.
  */
 HGLOBAL VELLUMAPI DIBTextOverlay(HGLOBAL dib, LONG x, LONG y, const char *text, const char *face, DWORD points);
 
@@ -1244,8 +1263,9 @@ HGLOBAL VELLUMAPI DIBTextOverlay(HGLOBAL dib, LONG x, LONG y, const char *text, 
  * Stores a note in a tag of an image of an open TIFF: tag 316, ASCII, as in "~,1,O,10,20,110,52,6,Hello": O or, for a
  * transparent note, T; left, top, right, bottom; the low 16 bits of the size of the text's block; the text. Nothing
  * else of the record counts. The file on disk stays as it is: AddTiffTagToImage, or the writing of the image, changes
- * it. Result: 1, or 0: no handle, no text, no memory for it. Errors: those of GetTiffImage and
- * DefineTiffImageInfoBuffer.
+ * it. To change it there, take the tag's value with GetTiffImageInfoBuffer, close the file, and give the value to
+ * AddTiffTagToImage. The rectangle is stored as it is, and nothing is drawn outside it: give it the text's size.
+ * Result: 1, or 0: no handle, no text, no memory for it. Errors: those of GetTiffImage and DefineTiffImageInfoBuffer.
  */
 LONG VELLUMAPI AddNoteTagToTiff(TiffHandle tiff, DWORD index, const NoteRecord *note);
 
@@ -1268,16 +1288,21 @@ LONG VELLUMAPI GetNoteTagFromTiff(TiffHandle tiff, DWORD index, NoteRecord *note
  * With "Stored text on Image" the note is then burned into the image: image becomes a new DIB of the same depth,
  * colours and resolution, text is freed and NULL. The old DIB stays the caller's. "Delete" frees the text and clears
  * inHeader.
+ * The text that is burned in is about 16 pixels high, whatever the image's resolution. Without a user DIBTextOverlay
+ * draws text into an image.
  * Result: 1 for a note that was stored (also when burning failed: text is still there then); 0 for "Cancel", "Delete",
- * and a note for the pixels without an image.
+ * and a note for the pixels without an image. Whatever it is, compare text and image with those before: what has
+ * changed is the caller's. Sets no error number.
  */
 LONG VELLUMAPI Note(HWND window, NoteRecord *note);
 
 /*
  * The same at a place that the user clicked.
  *   clickPoint   NULL, or a point of the client area; without it the offset is added to the note's place
- *   imageOffset  NULL, or the image pixel in the upper left corner of the client area. Without it the scroll bars tell,
- *                whose positions count in pixels of the image
+ *   imageOffset  NULL, or the image pixel in the upper left corner of the client area. Without it the scroll bars tell:
+ *                position * (shown image - client area) / image, which is right for an image that is there, shown
+ *                pixel for pixel, with bars that have its size as their range. Programs that zoom give an offset, or
+ *                as examples/viewer/notes.c a point of the shown image, and an offset of 0, 0
  *   zoom         NULL, or numerator and denominator of the horizontal scale, and those of the vertical one. A pair that
  *                is not above zero counts for nothing.
  *   flags        VELLUM_NOTE_...
@@ -1298,6 +1323,10 @@ INT_PTR VELLUMAPI NoteDlgFn(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
  *   imageOffset        the image pixel that is shown at destinationOrigin; NULL for 0, 0
  *   xScale, yScale     pixels of the device for one of the image
  *   destinationOrigin  in the device context; NULL for 0, 0
+ * All of it counts in units of the device context's own mapping. DecompressTiffToScreen and its like leave theirs
+ * behind: put SaveDC and RestoreDC around them. The scale is then the picture's size on the screen over its size in
+ * pixels, and destinationOrigin is where its first pixel lies (negative when it is scrolled).
+ *
  * The rectangle's place is scaled, its size is not. An opaque note's rectangle is filled once, before its lines, with
  * the device context's background colour. A line shows its first 40 characters, empty lines are left out. A note that
  * begins left of the image offset, or above it, is not drawn at all.
