@@ -46,7 +46,7 @@ LOGFONTA fontOf(const FaxPageParams &params, const BITMAP &page) {
         font.lfWeight = (params.flags & VELLUM_FAX_BOLD) != 0 ? kBoldWeight : kNormalWeight;
         setFace(font, fieldText(params.fontFace));
     }
-    font.lfHeight = fontHeight(params.fontSize, params.verticalResolution, page);
+    setHeight(font, params.fontSize, params.verticalResolution, page);
     return font;
 }
 
@@ -145,7 +145,6 @@ private:
         return false;
     }
 
-    // By design: no palette is selected with it. Only black and white are drawn, and they are the same in every one.
     void selectFont() {
         font_ = createFont(order_.params, describeBitmap(page_));
         if (font_) {
@@ -153,6 +152,7 @@ private:
         }
     }
 
+    // By design: no palette is selected with it. Only black and white are drawn, and they are the same in every one.
     bool select(HBITMAP page) {
         page_ = page;
         selectedPage_.emplace(dc_.get(), page);

@@ -30,7 +30,7 @@ NotedImage notedImage(HWND window, HDC dc, HGLOBAL dib) {
     noted.scrollX = GetScrollPos(window, SB_HORZ);
     noted.scrollY = GetScrollPos(window, SB_VERT);
     // The header is enough: a note may be kept beside a picture of any kind.
-    if (const GlobalView<const BITMAPINFOHEADER> image(dib); image) {
+    if (const GlobalView<const BITMAPINFOHEADER> image(dib); image && image->biSize >= sizeof *image) {
         noted.pixels = {image->biWidth, rowsOf(*image)};
         noted.xPelsPerMeter = image->biXPelsPerMeter;
         noted.yPelsPerMeter = image->biYPelsPerMeter;

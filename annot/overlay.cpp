@@ -52,7 +52,7 @@ DWORD wholeDotsPerInch(LONG pixelsPerMeter) {
 
 OwnedFont createFont(const OverlayText &overlay, DWORD resolution, const BITMAP &picture) {
     LOGFONTA font{};
-    font.lfHeight = fontHeight(overlay.points, resolution, picture);
+    setHeight(font, overlay.points, resolution, picture);
     setFace(font, overlay.face);
     return OwnedFont(CreateFontIndirectA(&font));
 }

@@ -176,7 +176,8 @@ bool paintDib(HGLOBAL dib, const Request &request) {
     if (!painting) {
         return false;
     }
-    const OwnedPalette palette = view ? makePalette(dib) : OwnedPalette();
+    const bool indexed = view && view.header().biCompression == BI_RGB;
+    const OwnedPalette palette = indexed ? makePalette(dib) : OwnedPalette();
     const RealizedPalette realized(painting.get(), palette.get());
     paint(painting.get(), view, placement, request);
     return true;

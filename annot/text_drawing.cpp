@@ -16,7 +16,7 @@ constexpr std::size_t kPieceCharacters = 4096;
 constexpr std::int64_t kFarthest = 0x3FFFFFF;
 
 // A letter may have four times the pixels of the picture that it is drawn on.
-LONG tallestLetter(const BITMAP &picture) {
+LONG largestLetter(const BITMAP &picture) {
     constexpr double kAlways = 1024;
     const double pixels = static_cast<double>(picture.bmWidth) * picture.bmHeight;
     return static_cast<LONG>(std::clamp(2 * std::sqrt(pixels), kAlways, static_cast<double>(kFarthest)));
@@ -30,10 +30,11 @@ LONG widthOf(HDC dc, std::string_view text) {
 
 } // namespace
 
-LONG fontHeight(DWORD points, DWORD dotsPerInch, const BITMAP &picture) {
+void setHeight(LOGFONTA &font, DWORD points, DWORD dotsPerInch, const BITMAP &picture) {
     const int height = MulDiv(static_cast<int>(points), static_cast<int>(dotsPerInch), kPointsPerInch);
-    const LONG tallest = tallestLetter(picture);
-    return -std::clamp<LONG>(height, -tallest, tallest);
+    const LONG most = largestLetter(picture);
+    font.lfHeight = -std::clamp<LONG>(height, -most, most);
+    font.lfWidth = std::clamp(font.lfWidth, -most, most);
 }
 
 // The face may be the font's own.

@@ -10,9 +10,10 @@ namespace vellum {
 
 using OwnedFont = GdiObject<HFONT>;
 
-// The height that a font of so many points has to be asked for with, to draw on a picture. A resolution out of a file
-// may be any: letters do not get much larger than the picture, for the system keeps all pixels of all that are drawn.
-LONG fontHeight(DWORD points, DWORD dotsPerInch, const BITMAP &picture);
+// Makes a font so many points high, to draw on a picture. A resolution out of a file may be any: letters, and a width
+// that the font asks for, do not get much larger than the picture, for the system keeps all pixels of all that are
+// drawn.
+void setHeight(LOGFONTA &font, DWORD points, DWORD dotsPerInch, const BITMAP &picture);
 
 // Copies a face name as far as a font's record holds it. It ends at a zero or with the characters that there are.
 void setFace(LOGFONTA &font, std::string_view face);

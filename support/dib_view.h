@@ -46,6 +46,7 @@ public:
 
     // At most 2 to the power of the depth where the depth is 8 or less.
     [[nodiscard]] DWORD colourCount() const { return colourTableEntries(header_); }
+    // What stands behind the header: of a DIB with masks, these.
     [[nodiscard]] const RGBQUAD *colours() const {
         return reinterpret_cast<const RGBQUAD *>(block_.get() + header_.biSize);
     }

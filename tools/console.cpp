@@ -7,7 +7,7 @@ namespace tool {
 
 namespace {
 
-constexpr DWORD kQuietMilliseconds = 700;    // work shorter than this shows no progress
+constexpr DWORD kQuietMilliseconds = 700;    // work that can tell how far it is, and is shorter, shows no progress
 constexpr DWORD kProgressMilliseconds = 100; // between two progress lines
 constexpr std::size_t kLargestPending = 64 * 1024;
 constexpr std::size_t kProgressColumns = 78;

@@ -120,6 +120,12 @@ void refuseOptions(const Arguments &arguments, std::span<const Option> options, 
     }
 }
 
+void refuseInputAsOutput(const FileName &input, const FileName &output) {
+    if (output.sameAs(input)) {
+        throw UsageError("the output would replace the input");
+    }
+}
+
 void checkOutput(const Arguments &arguments, const FileName &input, const FileName &output) {
     if (!isTiffName(output) && !isCalsName(output) && !output.hasExtension(".bmp")) {
         throw UsageError("the output's name must end in .bmp, .tif, .tiff, .cal or .cals, not '" + output.shown() +
@@ -131,9 +137,7 @@ void checkOutput(const Arguments &arguments, const FileName &input, const FileNa
     if (!isCalsName(output)) {
         refuseOptions(arguments, kCalsOptions, "CALS");
     }
-    if (output.sameAs(input)) {
-        throw UsageError("the output would replace the input");
-    }
+    refuseInputAsOutput(input, output);
 }
 
 CalsDescription parseCals(const Arguments &arguments) {
@@ -167,7 +171,17 @@ ConvertRequest parseRequest(const Arguments &arguments) {
     return request;
 }
 
+// Before the first of several files is written, none of them may be the input.
+void checkPageFiles(const ConvertRequest &request, DWORD pageCount) {
+    if (request.all && !isTiffName(request.output)) {
+        for (DWORD index = 0; index < pageCount; ++index) {
+            refuseInputAsOutput(request.input, request.outputOf(index));
+        }
+    }
+}
+
 bool hasPage(const ConvertRequest &request, DWORD pageCount) {
+    checkPageFiles(request, pageCount);
     if (pageCount == 0) {
         Console::get().complain(request.input.shown() + ": there is no page in the file.");
         return false;

@@ -32,6 +32,8 @@ struct ConvertRequest {
     // Pages to convert, by index.
     [[nodiscard]] DWORD firstPage() const { return all ? 0 : page - 1; }
     [[nodiscard]] DWORD endPage(DWORD pageCount) const { return all ? pageCount : page; }
+    // The file of a page, where each has one of its own.
+    [[nodiscard]] FileName outputOf(DWORD index) const { return all ? output.forPage(index + 1) : output; }
 };
 
 // Each complains of what cannot be converted and tells what has been written.

@@ -136,7 +136,7 @@ Status convertToBitmap(const PageSource &source, const ConvertRequest &request) 
         console.complain(source.pageLabel(0) + ": " + reading.failure);
         return Status::Failed;
     }
-    const FileName output = request.all ? request.output.forPage(1) : request.output;
+    const FileName output = request.outputOf(0);
     OutputFile file(output);
     if (const std::string failure = writeBilevel(*reading.picture, file); !failure.empty()) {
         console.complain(output.shown() + ": " + failure);
@@ -155,7 +155,7 @@ Status convertToBitmaps(const TiffDocument &document, const ConvertRequest &requ
     const std::string count = std::to_string(document.pageCount());
     for (DWORD index = request.firstPage(); index < request.endPage(document.pageCount()); ++index) {
         Console::get().progress("page " + std::to_string(index + 1) + " of " + count);
-        const FileName output = request.all ? request.output.forPage(index + 1) : request.output;
+        const FileName output = request.outputOf(index);
         status = worse(status, convertPage(document, index, output));
     }
     return status;

@@ -46,7 +46,7 @@ Status convertPage(const PageSource &source, DWORD index, const CalsDescription 
 Status convertToCals(const PageSource &source, const ConvertRequest &request) {
     Status status = Status::Ok;
     for (DWORD index = request.firstPage(); index < request.endPage(source.pageCount()); ++index) {
-        const FileName output = request.all ? request.output.forPage(index + 1) : request.output;
+        const FileName output = request.outputOf(index);
         status = worse(status, convertPage(source, index, request.cals, output));
     }
     return status;

@@ -2,6 +2,7 @@
 #include "tools/file_name.h"
 
 #include "tools/ansi_text.h"
+#include "tools/looked_at_file.h"
 
 #include <windows.h>
 
@@ -62,30 +63,6 @@ std::wstring systemName(const std::string &userText) {
     }
     return wide;
 }
-
-// A file that is only looked at: what others do with it does not matter, nor does it to them.
-class LookedAtFile {
-public:
-    explicit LookedAtFile(const std::wstring &name)
-        : file_(CreateFileW(name.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                            nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)) {}
-    LookedAtFile(const LookedAtFile &) = delete;
-    LookedAtFile &operator=(const LookedAtFile &) = delete;
-    ~LookedAtFile() {
-        if (file_ != INVALID_HANDLE_VALUE) {
-            CloseHandle(file_);
-        }
-    }
-
-    [[nodiscard]] std::optional<BY_HANDLE_FILE_INFORMATION> information() const {
-        BY_HANDLE_FILE_INFORMATION information{};
-        const bool known = file_ != INVALID_HANDLE_VALUE && GetFileInformationByHandle(file_, &information) != 0;
-        return known ? std::optional(information) : std::nullopt;
-    }
-
-private:
-    HANDLE file_;
-};
 
 // Whether both are the same file. Not every file system has a serial number, so that size and time count, too.
 bool isSameFile(const BY_HANDLE_FILE_INFORMATION &a, const BY_HANDLE_FILE_INFORMATION &b) {
@@ -206,15 +183,14 @@ std::optional<unsigned long long> FileName::size() const {
 }
 
 bool FileName::sameAs(const FileName &other) const {
-    // Numbers of files are only good while the files are open.
+    if (lstrcmpiW(fullPath(system_).c_str(), fullPath(other.system_).c_str()) == 0) {
+        return true;
+    }
     const LookedAtFile thisFile(forSystem());
     const LookedAtFile otherFile(other.forSystem());
     const auto here = thisFile.information();
     const auto there = otherFile.information();
-    if (here && there) {
-        return isSameFile(*here, *there);
-    }
-    return lstrcmpiW(fullPath(system_).c_str(), fullPath(other.system_).c_str()) == 0;
+    return here && there && isSameFile(*here, *there);
 }
 
 bool FileName::hasExtension(std::string_view dotAndLetters) const {

@@ -1,6 +1,8 @@
 // Walking folders.
 #include "tools/file_walk.h"
 
+#include "tools/looked_at_file.h"
+
 #include <windows.h>
 
 #include <algorithm>
@@ -54,20 +56,12 @@ void FileWalk::folder(const FileName &name) {
 }
 
 bool FileWalk::isNew(const FileName &folder) {
-    const HANDLE handle =
-        CreateFileW(folder.forSystem().c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
+    const auto information = LookedAtFile(folder.forSystem()).information();
+    if (!information) {
         return true; // the listing will tell what is wrong
     }
-    BY_HANDLE_FILE_INFORMATION information;
-    const bool known = GetFileInformationByHandle(handle, &information) != 0;
-    CloseHandle(handle);
-    if (!known) {
-        return true;
-    }
-    const ULONGLONG number = (ULONGLONG{information.nFileIndexHigh} << 32) | information.nFileIndexLow;
-    return walked_.emplace(information.dwVolumeSerialNumber, number).second;
+    const ULONGLONG number = (ULONGLONG{information->nFileIndexHigh} << 32) | information->nFileIndexLow;
+    return walked_.emplace(information->dwVolumeSerialNumber, number).second;
 }
 
 } // namespace tool

@@ -34,10 +34,9 @@ static const char kWriteProtected[] = "The file is write-protected.";
 void reportUndone(const Viewer *viewer, const char *path, const char *what) {
     char message[200], library[64];
     const DWORD error = TiffError();
-    const char *reason = error == VELLUM_OK                                   ? ""
-                         : error == VELLUM_IO_ERROR && isWriteProtected(path) ? kWriteProtected
-                                                                              : TiffErrorString(library, error);
-    wsprintfA(message, "%.100s %.80s", what, reason);
+    const char *reason =
+        error == VELLUM_IO_ERROR && isWriteProtected(path) ? kWriteProtected : TiffErrorString(library, error);
+    wsprintfA(message, "%.100s%s%.80s", what, error == VELLUM_OK ? "" : " ", error == VELLUM_OK ? "" : reason);
     showMessage(viewer, path, message, MB_OK | MB_ICONEXCLAMATION);
 }
 
@@ -123,13 +122,13 @@ static DWORD pageCountOf(const char *path) {
 
 /* Of JPEG without the companion module the library tells itself; it is a success without a page, and without a note. */
 static void saveDib(Viewer *viewer, const char *path, HGLOBAL dib, const NoteRecord *note) {
-    const DWORD page = pageCountOf(path); /* the number of the new one */
+    const DWORD pages = pageCountOf(path);
     SetTiffError(VELLUM_OK);
     if (!saveByDialog(viewer, path, dib)) {
         if (TiffError() != VELLUM_OK) { /* no error: the user cancelled */
             reportUndone(viewer, path, "The page could not be saved.");
         }
-    } else if (note != NULL && pageCountOf(path) != page && !storeNote(path, page, note)) {
+    } else if (note != NULL && pageCountOf(path) > pages && !storeNote(path, pageCountOf(path) - 1, note)) {
         reportUndone(viewer, path, "The page was saved without its note.");
     }
     goToPage(&viewer->document, viewer->document.page); /* it may have been added to the file that is shown */

@@ -252,6 +252,20 @@ TEST(FaxFailures, LettersDoNotGetMuchLargerThanThePage) {
     }
 }
 
+TEST(FaxFailures, NorWider) {
+    const TextFile file("text");
+    LOGFONTA wide{};
+    for (const auto &[width, asked] : {std::pair{500L, 500L}, std::pair{100000L, 1024L}, std::pair{-100000L, -1024L}}) {
+        wide.lfWidth = width;
+        lstrcpynA(wide.lfFaceName, "Arial", LF_FACESIZE);
+        FaxPageParams params = smallPage(file.path());
+        params.fontDescription = &wide;
+        const GdiCalls calls;
+        EXPECT_GE(FaxResult(params, VELLUM_FAX_BITMAPS).count(), 1U);
+        EXPECT_EQ(GdiCalls::counts().font.lfWidth, asked);
+    }
+}
+
 TEST(FaxFailures, RecordsWithoutMeaningMakePagesAllTheSame) {
     const TextFile file("some\ttext, and\r\nmore of it");
     const std::vector<DWORD FaxPageParams::*> fields = {&FaxPageParams::leftMargin, &FaxPageParams::topMargin,

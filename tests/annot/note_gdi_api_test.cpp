@@ -349,7 +349,9 @@ TEST(NoteRectangle, NeedsTheHeaderOfAnImageOnly) {
         EXPECT_EQ(notePlus(host.window(), clicked.record, kStoreInHeader,
                            {.click = POINT{100, 50}, .offset = POINT{0, 0}, .flags = VELLUM_NOTE_BY_RESOLUTION}),
                   1);
-        expectRectangle(clicked.record, 208, 104, size);
+        const double scale = GetDeviceCaps(host.dc(), LOGPIXELSX) / (7874 * 0.0254000508001016);
+        expectRectangle(clicked.record, static_cast<LONG>(100 / scale + 0.5), static_cast<LONG>(50 / scale + 0.5),
+                        size);
     }
 }
 

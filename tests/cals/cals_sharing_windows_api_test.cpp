@@ -67,8 +67,7 @@ UINT WINAPI refusedWrite(HFILE, const char *, UINT) {
 class CalsSharing : public testing::TestWithParam<std::size_t> {
 protected:
     CalsSharing() {
-        const std::string folder = tempFolder() + "/";
-        path_ = folder + std::string(GetParam() - folder.size(), 'c');
+        path_ = tempPathOf(GetParam(), 'c');
         EXPECT_TRUE(writeFile(path_, content_));
         SetTiffError(VELLUM_OK);
     }

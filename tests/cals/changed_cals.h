@@ -52,7 +52,7 @@ inline void changeCals(Bytes &file, Random &random) {
         overwrite(file, 9 + 128 * 2, std::to_string(random.below(200)) + "," + std::to_string(random.below(200)) + " ");
         break;
     case 4:
-        if (file.size() >= 2048) {
+        if (file.size() >= 2048 && record != 0) {
             std::swap_ranges(file.begin() + static_cast<std::ptrdiff_t>(record),
                              file.begin() + static_cast<std::ptrdiff_t>(record) + 128, file.begin());
         }

@@ -65,6 +65,25 @@ TEST(SameFile, AHardLinkToTheInputIsNoOutput) {
     EXPECT_EQ(folder.files(), (Words{"a.txt", "in.tif", "link.tif"}));
 }
 
+// Before the first of its pages is written.
+TEST(SameFile, NorIsAFileOfOnePage) {
+    const WorkFolder folder;
+    for (const std::string extension : {".bmp", ".cal"}) {
+        tiff::Builder file;
+        for (int i = 0; i < 3; ++i) {
+            file.page({tiff::longs(256, {8}), tiff::longs(257, {1}), tiff::shorts(262, {0})}, {{0x55}});
+        }
+        const std::string second = "in-002" + extension;
+        folder.put("in-002.tif", file.bytes());
+        ASSERT_TRUE(link(folder, "in-002.tif", second));
+        const Outcome outcome = folder.run({"convert", "--all", "in-002.tif", "in" + extension});
+        EXPECT_EQ(outcome.err, "vellum convert: the output would replace the input\nTry 'vellum convert --help'.\n");
+        EXPECT_EQ(outcome.status, 2U);
+        EXPECT_TRUE(folder.get(second) == file.bytes());
+        EXPECT_FALSE(folder.get("in-001" + extension));
+    }
+}
+
 TEST(SameFile, NeitherIsOneToTheText) {
     const WorkFolder folder;
     prepare(folder);

@@ -32,8 +32,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
 class FileSharing : public ::testing::TestWithParam<std::size_t> {
 protected:
     FileSharing() {
-        const std::string folder = tempFolder() + "/";
-        path_ = folder + std::string(GetParam() - folder.size(), 's');
+        path_ = tempPathOf(GetParam(), 's');
         tiff::Builder file;
         file.directory({tiff::shorts(256, {1})});
         EXPECT_TRUE(writeFile(path_, file.bytes()));

@@ -68,6 +68,11 @@ std::string tempFolder() {
 #endif
 }
 
+std::string tempPathOf(std::size_t characters, char letter) {
+    const std::string folder = tempFolder() + "/";
+    return folder + std::string(characters > folder.size() ? characters - folder.size() : 8, letter);
+}
+
 namespace {
 
 // A name that no other run has: process numbers come round again, under Wine soon, and a run that was killed leaves its

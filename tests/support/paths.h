@@ -44,6 +44,9 @@ private:
 // The folder for temporary files, without a separator at its end.
 std::string tempFolder();
 
+// A path in it of that many characters, or a few more than the folder has.
+std::string tempPathOf(std::size_t characters, char letter);
+
 // The whole file; nothing when it cannot be read.
 std::optional<Bytes> readFile(const std::string &path);
 bool writeFile(const std::string &path, const Bytes &content);
