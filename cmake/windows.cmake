@@ -33,9 +33,17 @@ if(VELLUM_TOOL_SOURCES)
 endif()
 
 # The examples of the documentation, so that they compile and run.
-foreach(example IN ITEMS load_page black_pixels save_page modca_page cals_notes)
+foreach(
+    example IN
+    ITEMS load_page
+          black_pixels
+          save_page
+          modca_page
+          cals_notes
+          fax_text
+          note_and_stamp)
     add_executable(example_${example} examples/${example}.c)
-    target_link_libraries(example_${example} PRIVATE vellum_options vellum)
+    target_link_libraries(example_${example} PRIVATE vellum_options vellum gdi32)
 endforeach()
 
 # And one that is a program: a viewer.

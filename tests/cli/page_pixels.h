@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -46,6 +47,19 @@ inline PagePixels pagePixels(const WorkFolder &folder, const std::string &name, 
     const PagePixels pixels = pixelsOfBitmapFile(folder.get("pixels.bmp").value_or(Bytes()));
     DeleteFileA(folder.path("pixels.bmp").c_str());
     return pixels;
+}
+
+// Where two pictures differ: a box, its right and bottom within it.
+inline RECT difference(const PagePixels &a, const PagePixels &b) {
+    RECT box = {a.width, 0x7FFFFFFF, -1, -1};
+    for (std::size_t i = 0; i < a.values.size() && i < b.values.size(); ++i) {
+        if (a.values[i] != b.values[i]) {
+            const LONG x = static_cast<LONG>(i) % a.width;
+            const LONG y = static_cast<LONG>(i) / a.width;
+            box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x), std::max(box.bottom, y)};
+        }
+    }
+    return box;
 }
 
 } // namespace vellum::test

@@ -5,25 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace vellum::test {
 namespace {
 
 using Names = std::vector<std::string>;
-
-// Where two pictures differ.
-RECT difference(const PagePixels &a, const PagePixels &b) {
-    RECT box = {a.width, 0x7FFFFFFF, -1, -1};
-    for (std::size_t i = 0; i < a.values.size() && i < b.values.size(); ++i) {
-        if (a.values[i] != b.values[i]) {
-            const LONG x = static_cast<LONG>(i) % a.width;
-            const LONG y = static_cast<LONG>(i) / a.width;
-            box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x), std::max(box.bottom, y)};
-        }
-    }
-    return box;
-}
 
 TEST(Stamp, PrintsOnAPageAndLeavesTheRestAsItIs) {
     const WorkFolder folder;

@@ -1,4 +1,4 @@
-// Starting vellum.exe.
+// Starting vellum.exe, and examples.
 #include "cli/vellum_process.h"
 
 #include <algorithm>
@@ -36,10 +36,10 @@ std::wstring testsFolder() {
     return folder;
 }
 
-std::wstring programPath() {
+std::wstring programPath(const std::string &name = "vellum") {
     std::wstring folder = testsFolder();
     folder.resize(folder.find_last_of(L"\\/"));
-    return folder + L"\\bin\\vellum.exe";
+    return folder + L"\\bin\\" + wide(name) + L".exe";
 }
 
 std::wstring watcherPath() {
@@ -47,8 +47,8 @@ std::wstring watcherPath() {
 }
 
 // The test words hold no quotes and do not end in a backslash.
-std::wstring commandLine(const std::vector<std::string> &words) {
-    std::wstring line = L"\"" + programPath() + L"\"";
+std::wstring commandLine(const std::vector<std::string> &words, const std::wstring &program = programPath()) {
+    std::wstring line = L"\"" + program + L"\"";
     for (const std::string &word : words) {
         line += L" \"" + wide(word) + L"\"";
     }
@@ -156,6 +156,11 @@ Outcome WorkFolder::runInBrokenMemory(const std::vector<std::string> &words) con
 
 Outcome WorkFolder::runOnConsole(const std::vector<std::string> &words) const {
     return start(watcherPath(), L"\"" + watcherPath() + L"\" " + commandLine(words));
+}
+
+Outcome WorkFolder::runExample(const std::string &example, const std::vector<std::string> &words) const {
+    const std::wstring program = programPath("example_" + example);
+    return start(program, commandLine(words, program));
 }
 
 Outcome WorkFolder::start(const std::wstring &program, std::wstring commandLine, Memory memory) const {

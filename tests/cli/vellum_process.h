@@ -1,5 +1,5 @@
-// Runs vellum.exe in a folder of the test's own and catches what it prints. The program is the one that was built
-// beside the tests (../bin).
+// Runs vellum.exe, or an example, in a folder of the test's own and catches what it prints. The programs are those that
+// were built beside the tests (../bin).
 #pragma once
 
 #include "support/paths.h"
@@ -30,6 +30,8 @@ public:
     // The same with standard error on a console, until something has been seen there three times; then the program is
     // ended with status 99. The outcome's err is what was seen, a line in brackets for every time.
     [[nodiscard]] Outcome runOnConsole(const std::vector<std::string> &words) const;
+    // Runs "example_EXAMPLE WORDS..." of examples/ in the folder; it gets its words in the ANSI code page.
+    [[nodiscard]] Outcome runExample(const std::string &example, const std::vector<std::string> &words) const;
 
     // Names in the folder, with "/" between folders.
     void put(const std::string &name, const Bytes &content) const;
