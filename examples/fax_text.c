@@ -87,9 +87,9 @@ static BOOL savePage(const char *path, HGLOBAL page, const FaxPageParams *params
 }
 
 int main(int argc, char **argv) {
-    static const char *const statusInWords[] = {"the whole text is on the pages", "nothing to do",
-                                                "the text has more pages", "the text file cannot be opened",
-                                                "not enough memory"};
+    static const char *const troubles[] = {"nothing to do", "the text has more pages", "the text file cannot be opened",
+                                           "not enough memory"};
+    const char *complete = "the whole text is on the pages";
     HANDLE pages[MOST_PAGES];
     FaxPageParams params;
     DWORD count, saved, i, status = VELLUM_FAX_COMPLETE;
@@ -105,6 +105,7 @@ int main(int argc, char **argv) {
         if (count == 0 && TiffError() != VELLUM_OK)
             return failed(argv[3]); /* the form's error: the text sets no number */
         status = count == 1 ? VELLUM_FAX_COMPLETE : VELLUM_FAX_NO_TEXT;
+        complete = "what fits of the text is on the form";
     }
     for (saved = 0; saved < count && savePage(argv[2], pages[saved], &params); saved++) {
     }
@@ -113,6 +114,6 @@ int main(int argc, char **argv) {
     if (saved < count)
         return failed(argv[2]);
     printf("pages: %lu of %lu x %lu dpi; %s\n", count, params.horizontalResolution, params.verticalResolution,
-           statusInWords[status]);
+           status == VELLUM_FAX_COMPLETE ? complete : troubles[status - 1]);
     return status == VELLUM_FAX_COMPLETE ? 0 : 1;
 }

@@ -121,7 +121,7 @@ TEST(FaxTextExample, AFormIsPrintedOnInItsOwnSizeAndResolution) {
     folder.put("form.tif", bundled("fax.tif"));
     folder.put("a.txt", textOf(manyLines(300)));
     const Outcome outcome = folder.runExample("fax_text", {"a.txt", "out.tif", "form.tif"});
-    EXPECT_EQ(outcome.out, "pages: 1 of 204 x 196 dpi; the whole text is on the pages\r\n");
+    EXPECT_EQ(outcome.out, "pages: 1 of 204 x 196 dpi; what fits of the text is on the form\r\n");
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0U);
     const auto pages = pagesIn(folder.get("out.tif"));
@@ -147,7 +147,7 @@ TEST(FaxTextExample, AFormInColourKeepsItsColours) {
     folder.put("form.tif", bundled("buoy.tif"));
     folder.put("a.txt", textOf("x"));
     EXPECT_EQ(folder.runExample("fax_text", {"a.txt", "out.tif", "form.tif"}).out,
-              "pages: 1 of 72 x 72 dpi; the whole text is on the pages\r\n");
+              "pages: 1 of 72 x 72 dpi; what fits of the text is on the form\r\n");
     const auto pages = pagesIn(folder.get("out.tif"));
     ASSERT_EQ(pages.size(), 1U);
     EXPECT_EQ(sizeOf(pages[0]), (Values{240, 160}));
