@@ -22,14 +22,15 @@ Usage: vellum stamp [options] IN.tif[:PAGE] OUT.tif
 
 Prints a text on a page (the first, or PAGE) and writes the result as a TIFF of
 one page, in the page's own colours and resolution. OUT.tif appears under its
-name only when it is whole; an existing file is then replaced.
+name only when it is whole; an existing file is then replaced. Lines are not
+wrapped; what lies outside the page is cut off.
 
 Options:
-      --text TEXT         what to print; \n begins a new line. Needed
-      --at X,Y            where, in millimetres from the upper left corner.
-                          Default: 10,10. It has to lie on the page
+      --text TEXT         what to print; \n begins a new line, \\ is a backslash
+      --at X,Y            where, in whole millimetres from the upper left
+                          corner. Default: 10,10. It has to lie on the page
       --font NAME         Default: Arial
-      --size N            of the font, in points. Default: 12
+      --size N            of the font, in points, from 1 to 1000. Default: 12
       --compression NAME  g4 (default), g3, g3-2d, mh, lzw, packbits or none;
                           for other pages than black and white ones lzw
                           (default), packbits or none
@@ -53,12 +54,15 @@ struct StampRequest {
     std::optional<std::string> compression;
 };
 
-// The two characters \n as a line end.
+// The two characters \n as a line end, two backslashes as one.
 std::string linesOf(const std::string &text) {
     std::string lines;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text.compare(i, 2, "\\n") == 0) {
             lines += "\r\n";
+            ++i;
+        } else if (text.compare(i, 2, R"(\\)") == 0) {
+            lines += '\\';
             ++i;
         } else {
             lines += text[i];
@@ -105,13 +109,16 @@ OwnedDib printOn(const OwnedDib &dib, POINT dotsPerInch, const StampRequest &req
 
 StampRequest parse(const Arguments &arguments) {
     constexpr long kMostMillimetres = 10000;
-    constexpr const char *kPlace = "two numbers of millimetres, as 10,10";
+    constexpr const char *kPlace = "two whole numbers of millimetres from 0 to 10000, as 10,10";
     StampRequest request;
     const auto text = arguments.value("--text");
     if (!text) {
         throw UsageError("option '--text' is needed");
     }
-    request.text = linesOf(ansiText("the text", *text));
+    request.text = ansiText("the text", linesOf(*text));
+    if (request.text.find_first_not_of("\r\n") == std::string::npos) {
+        throw UsageError("the text is empty");
+    }
     const std::string place = arguments.value("--at").value_or("10,10");
     const std::vector<std::string> parts = splitAt(place, ',');
     if (parts.size() != 2) {
@@ -120,8 +127,8 @@ StampRequest parse(const Arguments &arguments) {
     request.x = parseNumber("--at", parts[0], 0, kMostMillimetres, kPlace);
     request.y = parseNumber("--at", parts[1], 0, kMostMillimetres, kPlace);
     request.font = ansiText("the font", arguments.value("--font").value_or("Arial"));
-    request.points = static_cast<DWORD>(
-        parseNumber("--size", arguments.value("--size").value_or("12"), 1, 1000, "a number of points"));
+    request.points = static_cast<DWORD>(parseNumber("--size", arguments.value("--size").value_or("12"), 1, 1000,
+                                                    "a whole number of points from 1 to 1000"));
     request.compression = arguments.value("--compression");
     dibCoding(request.compression, 1);
     return request;
