@@ -1,4 +1,4 @@
-// From UTF-16 to the ANSI code page.
+// From UTF-16 to the ANSI code page, and lines.
 #include "tools/ansi_text.h"
 
 #include "tools/arguments.h"
@@ -26,6 +26,32 @@ std::string ansiText(std::string_view what, const std::string &utf8) {
         throw UsageError(std::string(what) + " has characters that the system's code page lacks: '" + utf8 + "'");
     }
     return ansi;
+}
+
+std::optional<std::string_view> Lines::next() {
+    if (!rest_) {
+        return std::nullopt;
+    }
+    const std::string_view all = *rest_;
+    const std::size_t end = all.find_first_of("\r\n");
+    if (end == std::string_view::npos) {
+        rest_.reset();
+    } else {
+        rest_ = all.substr(end + (all.substr(end, 2) == "\r\n" ? 2 : 1));
+    }
+    return all.substr(0, end);
+}
+
+std::string withCrLf(std::string_view text) {
+    std::string joined;
+    Lines lines(text);
+    bool first = true;
+    while (const auto line = lines.next()) {
+        joined += first ? "" : "\r\n";
+        joined += *line;
+        first = false;
+    }
+    return joined;
 }
 
 } // namespace tool

@@ -64,6 +64,13 @@ std::vector<std::string> Arguments::values(std::string_view option) const {
     return found == options_.end() ? std::vector<std::string>() : found->second;
 }
 
+bool isNamed(std::string_view value, std::string_view name) {
+    const auto small = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    return std::ranges::equal(value, name, {}, small, small);
+}
+
 unsigned long parsePageNumber(std::string_view option, const std::string &text) {
     unsigned long number = 0;
     const char *const end = text.data() + text.size();

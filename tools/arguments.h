@@ -46,6 +46,9 @@ private:
     std::vector<std::string> operands_;
 };
 
+// Whether a value is this name, in upper or lower case.
+bool isNamed(std::string_view value, std::string_view name);
+
 // A page as a user counts: from 1. Throws UsageError for anything that is no number from 1 on.
 unsigned long parsePageNumber(std::string_view option, const std::string &text);
 

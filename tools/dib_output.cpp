@@ -54,7 +54,8 @@ void OwnedDib::setDotsPerInch(POINT dots) const {
 
 const DibCoding &dibCoding(const std::optional<std::string> &name, WORD bitsPerPixel) {
     const std::string_view wanted = name ? std::string_view(*name) : bitsPerPixel == 1 ? "g4" : "lzw";
-    const auto found = std::ranges::find(kCodings, wanted, &DibCoding::name);
+    const auto found =
+        std::ranges::find_if(kCodings, [wanted](const DibCoding &coding) { return isNamed(wanted, coding.name); });
     if (found == kCodings.end()) {
         throw UsageError("option '--compression' wants one of " + dibCodingNames() + ", not '" + *name + "'");
     }

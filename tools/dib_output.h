@@ -44,7 +44,7 @@ struct DibCoding {
     LONG code;             // VELLUM_SAVE_...
     bool bilevelOnly;
 };
-// By its name, or without one by the picture. Throws UsageError for a name that is none.
+// By its name, in upper or lower case, or without one by the picture. Throws UsageError for a name that is none.
 const DibCoding &dibCoding(const std::optional<std::string> &name, WORD bitsPerPixel);
 // "g4, g3, ..."
 std::string dibCodingNames();

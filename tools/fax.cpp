@@ -3,7 +3,9 @@
 #include "tools/command.h"
 #include "tools/console.h"
 #include "tools/dib_output.h"
+#include "tools/fax_paper.h"
 #include "tools/fax_request.h"
+#include "tools/fax_text.h"
 #include "tools/tiff_document.h"
 #include "vellum32.h"
 
@@ -12,7 +14,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace tool {
 
@@ -22,24 +23,28 @@ constexpr std::string_view kHelp = R"(vellum fax - draw a text file on the pages
 
 Usage: vellum fax [options] TEXT OUT.tif
 
-Draws TEXT, in the letters of the ANSI code page, on black and white pages and
-writes them as a TIFF. Lines end with CR LF, LF or CR; a line that is too long
-goes on below, behind its last blank or punctuation mark. OUT.tif appears under
-its name only when it is whole; an existing file is then replaced.
+Draws TEXT on black and white pages and writes them as a TIFF. TEXT is in the
+letters of the ANSI code page, or in UTF-8 or UTF-16 with none but these. Lines
+end with CR LF, LF or CR; a line that is too long goes on below, behind its last
+blank or punctuation mark. Form feeds begin no page. OUT.tif appears under its
+name only when it is whole; an existing file is then replaced.
 
 Options:
       --paper NAME        a4 (default), letter or legal
-      --dpi N | NxM       dots per inch, across and down. Default: 204x196
-      --margin N | NxM    left and right, top and bottom, in millimetres.
+      --dpi N | NxM       whole dots per inch up to 1200, across and down.
+                          Default: 204x196
+      --width N           pixels across, up to 20000, instead of the paper's
+                          width; 1728 is what fax machines take
+      --margin N | NxM    left and right, top and bottom, in whole millimetres.
                           Default: 20
       --font NAME         Default: Courier New
-      --size N            of the font, in points. Default: 10
+      --size N            of the font, in whole points up to 1000. Default: 10
       --bold, --italic
-      --spacing N         millimetres between the lines. Default: 0
-      --tabs N,N,...      tab stops, up to 16, in millimetres from the left
-                          margin. Default: every 20
+      --spacing N         whole millimetres between the lines. Default: 0
+      --tabs N,N,...      tab stops, up to 16, in whole millimetres from the
+                          left margin. Default: every 20
       --form FORM.tif     print on the first page of FORM.tif instead of paper;
-                          text that does not fit on it is left out
+                          a text that does not fit on it gives exit status 1
       --pages N           at most so many pages, up to 1000 and 1 GB of memory:
                           at 600 dpi some 250 pages, at 1200 dpi some 60.
                           Default: 200, or what there is memory for
@@ -59,30 +64,8 @@ constexpr std::array kOptions = {
     Option{"--paper", Value}, Option{"--dpi", Value},  Option{"--margin", Value}, Option{"--font", Value},
     Option{"--size", Value},  Option{"--bold"},        Option{"--italic"},        Option{"--spacing", Value},
     Option{"--tabs", Value},  Option{"--form", Value}, Option{"--pages", Value},  Option{"--compression", Value},
+    Option{"--width", Value},
 };
-
-// The text with CR LF between its lines, as the library wants it; nothing when it cannot be read. Behind the last line
-// it would begin another page when the one before is full.
-std::optional<std::string> readText(const FileName &name) {
-    std::ifstream file(std::filesystem::path(name.forSystem()), std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    if (!file.is_open() || file.bad()) {
-        return std::nullopt;
-    }
-    std::string text;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] == '\r' || bytes[i] == '\n') {
-            text += "\r\n";
-            i += bytes.compare(i, 2, "\r\n") == 0 ? 1 : 0;
-        } else {
-            text += bytes[i];
-        }
-    }
-    if (text.ends_with("\r\n")) {
-        text.resize(text.size() - 2);
-    }
-    return text;
-}
 
 bool writeText(const FileName &name, const std::string &text) {
     std::ofstream file(std::filesystem::path(name.forSystem()), std::ios::binary);
@@ -111,55 +94,18 @@ Status writePages(const std::vector<OwnedDib> &pages, const FaxRequest &request,
     return Status::Ok;
 }
 
-// Makes the form the page, by its own resolution. Result: why it cannot be one; empty when it can.
-std::string useForm(const TiffDocument &document, FaxPageParams &page) {
-    constexpr ULONGLONG kHundredths = 100;
-    const RegisteredPage form(document, 0);
-    BITMAPINFOHEADER header{};
-    if (!form || GetTiffDimensions(form.handle(), 0, &header) != VELLUM_OK) {
-        return libraryMessage(TiffError());
-    }
-    if (form.isDelegatedJpeg() && !jpegModuleAvailable()) {
-        return kNoJpegModule;
-    }
-    DWORD dots = 0;
-    GetTiffImageDPI(form.handle(), 0, &dots);
-    page.horizontalResolution = std::max<DWORD>(LOWORD(dots), 1);
-    page.verticalResolution = std::max<DWORD>(HIWORD(dots), 1);
-    page.pageWidth = static_cast<DWORD>(static_cast<DWORD>(header.biWidth) * kHundredths / page.horizontalResolution);
-    page.pageHeight = static_cast<DWORD>(static_cast<DWORD>(header.biHeight) * kHundredths / page.verticalResolution);
-    return "";
-}
-
-Status faxOnForm(FaxRequest &request, const FileName &form, const FileName &output) {
-    const TiffDocument document(form);
-    if (!document.isOpen()) {
-        return complain(form, document.openMessage());
-    }
-    if (const std::string obstacle = useForm(document, request.page); !obstacle.empty()) {
-        return complain(form, obstacle);
-    }
-    SetTiffError(VELLUM_OK);
-    std::vector<OwnedDib> pages;
-    pages.emplace_back(DIBFormOverlay(form.forLibrary().c_str(), &request.page));
-    if (!pages.front()) {
-        // The form could not be read, or its page not be made.
-        const DWORD error = TiffError();
-        return complain(form, libraryMessage(error != VELLUM_OK ? error : DWORD{VELLUM_NO_MEMORY}));
-    }
-    return writePages(pages, request, output);
-}
-
 // The pages of the text, and how far the library came.
 struct DrawnPages {
     std::vector<OwnedDib> pages;
     DWORD status = VELLUM_FAX_COMPLETE;
 };
 
-DrawnPages drawPages(const FaxRequest &request) {
+// A bitmap is drawn on page after page.
+DrawnPages drawPages(const FaxRequest &request, HBITMAP bitmap) {
     std::vector<HANDLE> handles(request.mostPages);
     DrawnPages drawn;
-    const DWORD count = CreateDIBFaxPageFromASCII(&request.page, request.mostPages, handles.data(), &drawn.status);
+    const DWORD count = CreateFaxPageFromASCII(&request.page, request.mostPages, handles.data(), VELLUM_FAX_DIBS,
+                                               bitmap, &drawn.status);
     for (DWORD i = 0; i < count; ++i) {
         drawn.pages.emplace_back(handles[i]);
     }
@@ -168,7 +114,10 @@ DrawnPages drawPages(const FaxRequest &request) {
 
 // Why there is text that is on no page.
 std::string pageLimitMessage(const FaxRequest &request) {
-    const DWORD most = mostFaxPages(request.page);
+    if (request.form) {
+        return "the text goes on behind the form.";
+    }
+    const DWORD most = mostFaxPages(request);
     const std::string limit = "the text goes on behind page " + std::to_string(request.mostPages) + "; ";
     if (request.mostPages < most) {
         return limit + "--pages allows more.";
@@ -179,9 +128,16 @@ std::string pageLimitMessage(const FaxRequest &request) {
     return limit + "no text gets more pages.";
 }
 
-Status faxOnPaper(const FaxRequest &request, const FileName &text, const FileName &output) {
+Status complainOfMemory(const FaxRequest &request, std::size_t pagesBefore, const FileName &output) {
+    return request.form ? complain(*request.form, libraryMessage(VELLUM_NO_MEMORY))
+                        : complain(output, "page " + std::to_string(pagesBefore + 1) +
+                                               " cannot be drawn: there is not enough memory.");
+}
+
+// On a bitmap, or on none.
+Status faxOn(HBITMAP bitmap, const FaxRequest &request, const FileName &text, const FileName &output) {
     Console::get().announce("drawing the pages of " + text.shown());
-    const DrawnPages drawn = drawPages(request);
+    const DrawnPages drawn = drawPages(request, bitmap);
     switch (drawn.status) {
     case VELLUM_FAX_COMPLETE:
         return writePages(drawn.pages, request, output);
@@ -190,11 +146,24 @@ Status faxOnPaper(const FaxRequest &request, const FileName &text, const FileNam
         return worse(written, complain(text, pageLimitMessage(request)));
     }
     case VELLUM_FAX_NO_MEMORY:
-        return complain(output, "page " + std::to_string(drawn.pages.size() + 1) +
-                                    " cannot be drawn: there is not enough memory.");
+        return complainOfMemory(request, drawn.pages.size(), output);
     default:
         return complain(text, "cannot be read.");
     }
+}
+
+Status faxOnForm(FaxRequest &request, const FileName &text, const FileName &output) {
+    const FaxForm form = loadForm(*request.form, request.page);
+    return form.bitmap != nullptr ? faxOn(form.bitmap.get(), request, text, output)
+                                  : complain(*request.form, form.failure);
+}
+
+Status faxOnPaper(const FaxRequest &request, const FileName &text, const FileName &output) {
+    if (request.columns == 0) {
+        return faxOn(nullptr, request, text, output);
+    }
+    const OwnedBitmap paper = whitePaper(request.columns, request.rows());
+    return paper != nullptr ? faxOn(paper.get(), request, text, output) : complainOfMemory(request, 0, output);
 }
 
 void checkOutput(const FaxRequest &request, const FileName &text, const FileName &output) {
@@ -205,17 +174,17 @@ void checkOutput(const FaxRequest &request, const FileName &text, const FileName
 
 // The text goes to the library by way of a file with the line ends that it knows.
 Status draw(FaxRequest &request, const FileName &text, const FileName &output) {
-    const auto lines = readText(text);
-    if (!lines) {
-        return complain(text, text.isMissing() ? "there is no such file." : "cannot be read.");
+    const FaxText lines = readFaxText(text);
+    if (!lines.failure.empty()) {
+        return complain(text, lines.failure);
     }
     const TemporaryFile copy;
-    if (!writeText(copy.name(), *lines)) {
+    if (!writeText(copy.name(), lines.text)) {
         return complain(text, "there is no folder for temporary files.");
     }
     const std::string path = copy.name().forLibrary();
     std::memcpy(request.page.textFile, path.data(), std::min(path.size(), sizeof request.page.textFile - 1));
-    return request.form ? faxOnForm(request, *request.form, output) : faxOnPaper(request, text, output);
+    return request.form ? faxOnForm(request, text, output) : faxOnPaper(request, text, output);
 }
 
 Status run(const std::vector<std::string> &words) {

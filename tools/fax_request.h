@@ -15,10 +15,12 @@ namespace tool {
 
 struct FaxRequest {
     FaxPageParams page{};
+    DWORD columns = 0;   // pixels across; 0: what the page's width makes
     DWORD mostPages = 0; // that are drawn
     std::optional<FileName> form;
     std::optional<std::string> compression;
 
+    [[nodiscard]] DWORD rows() const; // pixels down
     [[nodiscard]] POINT dotsPerInch() const {
         return {static_cast<LONG>(page.horizontalResolution), static_cast<LONG>(page.verticalResolution)};
     }
@@ -27,7 +29,7 @@ struct FaxRequest {
 constexpr DWORD kMostFaxPages = 1000;
 
 // How many pages of this size and resolution there may be: as many as fit into memory, up to kMostFaxPages.
-DWORD mostFaxPages(const FaxPageParams &page);
+DWORD mostFaxPages(const FaxRequest &request);
 
 // Without the text's name. Throws UsageError.
 FaxRequest parseFaxRequest(const Arguments &arguments);

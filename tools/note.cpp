@@ -22,19 +22,22 @@ Usage: vellum note list [--page N] FILE
 
 A note is some lines of text with a place on the page. It is kept in the page's
 tag 316 (HostComputer) and leaves the pixels alone; programs that know of notes
-show it over the picture.
+show it over the picture. Its letters are about 16 pixels high, whatever the
+page's resolution; for a text to be read on paper there is 'vellum stamp'.
 
 'list' shows the notes of all pages, or of one. 'add' gives a page a note of
-these lines, in place of the one that it has; the file is built anew as 'vellum
-tag set' does it. 'vellum tag delete FILE 316' removes a note. 'burn' writes the
-page with its note as a part of its pixels into a TIFF of its own, black on the
-page as it is or, for an opaque note, on white: Group 4 for bilevel pages, LZW
-for others. The text has the system's own font; its size is measured anew. What
-lies outside the page is cut off; a note that lies there wholly is not burned.
+these lines, in place of the one that it has, and shows it; a LINE with line
+ends in it is several. The file is built anew as 'vellum tag set' does it.
+'vellum tag delete FILE 316' removes a note. 'burn' writes the page with its
+note as a part of its pixels into a TIFF of its own, black on the page as it is
+or, for an opaque note, on white: Group 4 for bilevel pages, LZW for others. The
+text has the system's own font; its size is measured anew. What lies outside the
+page is cut off; a note that lies there wholly is not burned.
 
 Options:
       --page N    the page, counted from 1; add, burn: default the first one
-      --at X,Y    add: the upper left corner, in pixels of the page; default 0,0
+      --at X,Y    add: the upper left corner, in whole pixels of the page from 0
+                  on; default 0,0
       --opaque    add: the note has a background
       --force     add: even if tag 316 holds something else, as a host's name
   -h, --help      show this help
@@ -59,7 +62,7 @@ POINT parsePlace(const std::string &text) {
                           ? std::from_chars(comma + 1, end, place.y)
                           : std::from_chars_result{comma, std::errc::invalid_argument};
     if (rest.ec != std::errc() || rest.ptr != end || place.x < 0 || place.y < 0) {
-        throw UsageError("option '--at' wants two numbers as in 100,200, not '" + text + "'");
+        throw UsageError("option '--at' wants two whole numbers of pixels from 0 on, as 100,200, not '" + text + "'");
     }
     return place;
 }
@@ -126,11 +129,18 @@ Status add(const Arguments &arguments, const FileName &file, DWORD index) {
         return complain(file.shown(), libraryMessage(VELLUM_NO_MEMORY));
     }
     std::optional<std::string> value;
-    {
-        const auto pages = openPage(file, index);
-        value = pages != nullptr ? valueFor(*pages, note, arguments.has("--force")) : std::nullopt;
+    std::string label;
+    if (const auto pages = openPage(file, index); pages != nullptr) {
+        value = valueFor(*pages, note, arguments.has("--force"));
+        label = pages->label(index);
     }
-    return value ? setTag({file, index, tag::kHostComputer, true, Type::Ascii, {*value}}) : Status::Failed;
+    constexpr bool kTold = false; // but shown as a note
+    const Status status =
+        value ? setTag({file, index, tag::kHostComputer, true, Type::Ascii, {*value}, kTold}) : Status::Failed;
+    if (status == Status::Ok) {
+        Console::get().print(look(label, note));
+    }
+    return status;
 }
 
 // ---- burn

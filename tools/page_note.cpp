@@ -68,6 +68,18 @@ private:
     HHOOK hook_;
 };
 
+// The text with CR LF for every LF that stands alone.
+std::string withCrBeforeLf(std::string_view text) {
+    std::string whole;
+    char before = 0;
+    for (const char c : text) {
+        whole += c == '\n' && before != '\r' ? "\r" : "";
+        whole += c;
+        before = c;
+    }
+    return whole;
+}
+
 bool store(NoteRecord &note) {
     const StoringUser user;
     const HGLOBAL before = note.text;
@@ -89,7 +101,7 @@ PageNote::~PageNote() {
 bool PageNote::write(const std::vector<std::string> &lines, LONG left, LONG top, bool opaque) {
     std::string text;
     for (const std::string &line : lines) {
-        text += (text.empty() ? "" : "\r\n") + ansiText("the note", line);
+        text += (&line == &lines.front() ? "" : "\r\n") + withCrLf(ansiText("the note", line));
     }
     release(record_.text);
     record_ = {1, opaque ? 1 : 0, blockOf(text), left, top, left, top, record_.image};
@@ -113,6 +125,13 @@ bool PageNote::place() {
 HGLOBAL PageNote::burnInto(HGLOBAL dib) {
     release(std::exchange(record_.image, dib));
     record_.inHeader = 0;
+    // Notes of other programs may have lines that end with LF alone. The library takes these for one line when it
+    // measures the note, which would then lose the others.
+    const HGLOBAL text = blockOf(withCrBeforeLf(textOf(record_.text)));
+    if (text == nullptr) {
+        return nullptr;
+    }
+    release(std::exchange(record_.text, text));
     if (!store(record_) || record_.image == dib) {
         return nullptr;
     }
@@ -121,19 +140,13 @@ HGLOBAL PageNote::burnInto(HGLOBAL dib) {
 }
 
 std::vector<std::string> PageNote::lines() const {
-    std::vector<std::string> lines(1);
-    char before = 0;
-    for (const char c : textOf(record_.text)) {
-        const bool restOfLineEnd = before == '\r' && c == '\n';
-        before = c;
-        if ((c == '\r' || c == '\n') && !restOfLineEnd) {
-            lines.emplace_back();
-        } else if (static_cast<unsigned char>(c) >= ' ') {
-            lines.back() += c;
-        }
-    }
-    for (std::string &line : lines) {
-        line = fromAnsi(line);
+    std::vector<std::string> lines;
+    const std::string text = textOf(record_.text);
+    Lines rest(text);
+    while (const auto line = rest.next()) {
+        std::string shown(*line);
+        std::erase_if(shown, [](char c) { return static_cast<unsigned char>(c) < ' '; });
+        lines.push_back(fromAnsi(shown));
     }
     return lines;
 }

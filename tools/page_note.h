@@ -17,8 +17,8 @@ public:
     PageNote &operator=(const PageNote &) = delete;
     ~PageNote();
 
-    // A note with these lines, in UTF-8, of which the rectangle is not known yet. False without memory. Throws
-    // UsageError for characters that cannot be drawn.
+    // A note with these lines, in UTF-8, which may have line ends in them, and without a rectangle yet. False without
+    // memory. Throws UsageError for characters that cannot be drawn.
     [[nodiscard]] bool write(const std::vector<std::string> &lines, LONG left, LONG top, bool opaque);
     // The note in the page's tag; false when there is none.
     [[nodiscard]] bool read(const RegisteredPage &page);

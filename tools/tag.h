@@ -18,6 +18,7 @@ struct TagChange {
     bool force = false;
     std::optional<Type> type = {}; // nothing: the tag's own, or its customary one
     std::vector<std::string> words = {};
+    bool told = true; // what the tag is now, when all went well
 };
 
 // Throws UsageError when the tag must not be changed so.

@@ -139,7 +139,7 @@ Status setTag(const TagChange &change) {
     }
     const TagValues wanted = parseValues(change.tag, typeFor(change, oldValues(*pages, change)), change.words);
     const Status status = rebuild(*pages, change, wanted);
-    if (status == Status::Ok) {
+    if (status == Status::Ok && change.told) {
         Console::get().print(pages->label(change.index) + ": " + tagLabel(change.tag) + " is now " +
                              typeName(wanted.type()) + " " + wanted.shown(TagValues::Extent::Abbreviated) + "\n");
     }

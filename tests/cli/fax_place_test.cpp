@@ -62,16 +62,21 @@ Ink inkOf(const PagePixels &page) {
             last(rows)};
 }
 
-// The first page that a text becomes at 100 dots per inch.
-Ink drawn(const std::string &text, const Words &options) {
+// The first page that a text becomes.
+Ink drawnOn(const std::string &dpi, const std::string &text, const Words &options) {
     const WorkFolder folder;
     folder.put("a.txt", Bytes(text.begin(), text.end()));
-    Words words = {"fax", "a.txt", "a.tif", "--dpi=100"};
+    Words words = {"fax", "a.txt", "a.tif", "--dpi", dpi};
     words.insert(words.end(), options.begin(), options.end());
     const Outcome outcome = folder.run(words);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0U);
     return inkOf(pagePixels(folder, "a.tif"));
+}
+
+// The same at 100 dots per inch.
+Ink drawn(const std::string &text, const Words &options) {
+    return drawnOn("100", text, options);
 }
 
 std::string repeated(const std::string &text, int count) {
@@ -163,6 +168,69 @@ TEST(FaxPlace, ThePaperIsUsedFromMarginToMargin) {
         EXPECT_LT(ink.rows.back() - ink.rows[0] + kThirty, bottom) << entry.paper;
         EXPECT_GE(ink.rows.back() - ink.rows[0] + kThirty + line, bottom) << entry.paper;
     }
+}
+
+constexpr LONG kFaxWidth = 1728; // pixels that fax machines have across
+
+// Where the text of a page of 204 dots per inch and a width in pixels begins, at a margin in millimetres.
+constexpr LONG columnsAt204(LONG millimetres) {
+    return (millimetres * 1000 + 127) / 254 * 204 / 100;
+}
+
+TEST(FaxPlace, EveryPageHasTheWidthInPixels) {
+    const WorkFolder folder;
+    const std::string words = repeated("H ", 1000);
+    folder.put("a.txt", Bytes(words.begin(), words.end()));
+    EXPECT_EQ(folder.run({"fax", "a.txt", "a.tif", "--width=1728", "--size=20"}).out,
+              "a.tif: page 1: 1728 x 2291, 1 bit, g4\na.tif: page 2: 1728 x 2291, 1 bit, g4\n");
+    const auto pages = pagesIn(folder.get("a.tif"));
+    ASSERT_EQ(pages.size(), 2U);
+    for (int page = 1; page <= 2; ++page) {
+        EXPECT_EQ(pages[static_cast<std::size_t>(page) - 1].tag(256).numbers, std::vector<std::uint32_t>{1728});
+        const Ink ink = inkOf(pagePixels(folder, "a.tif", page));
+        EXPECT_EQ(ink.width, kFaxWidth);
+        EXPECT_EQ(ink.height, 2291);
+        ASSERT_GT(ink.columns.size(), 5U);
+        const LONG word = ink.columns[1] - ink.columns[0];
+        const LONG right = kFaxWidth - columnsAt204(20);
+        EXPECT_GE(ink.columns[0], columnsAt204(20));
+        EXPECT_LT(ink.columns[0], columnsAt204(20) + word / 2);
+        EXPECT_LT(ink.lastColumn, right);
+        EXPECT_GE(ink.lastColumn + 2 * word, right);
+    }
+}
+
+// A letter that begins before the right margin may end in it when there is no blank to wrap at, so the width at which
+// two letters just stand on one line tells where that margin is.
+TEST(FaxPlace, BothMarginsOfAWidthInPixelsAreAlike) {
+    const auto drawnAt = [](LONG width, const char *margin) {
+        return drawnOn("204x196", "HH", {"--size=20", "--margin", margin, "--width", std::to_string(width)});
+    };
+    const auto leastWidth = [&drawnAt](const char *margin, LONG margins) {
+        LONG tooNarrow = margins + 10;
+        LONG wide = margins + 138;
+        while (wide - tooNarrow > 1) {
+            const LONG middle = (tooNarrow + wide) / 2;
+            (drawnAt(middle, margin).rows.size() == 1 ? wide : tooNarrow) = middle;
+        }
+        return wide;
+    };
+    const Ink letters = drawnAt(kFaxWidth, "0");
+    ASSERT_EQ(letters.columns.size(), 2U);
+    const LONG letter = letters.columns[1] - letters.columns[0];
+    const LONG atTwenty = leastWidth("20", 2 * columnsAt204(20));
+    EXPECT_NEAR(atTwenty, 2 * columnsAt204(20) + letter, 6);
+    EXPECT_NEAR(leastWidth("60", 2 * columnsAt204(60)) - atTwenty, 2 * (columnsAt204(60) - columnsAt204(20)), 2);
+}
+
+TEST(FaxPlace, AWidthThatThePaperHasChangesNothing) {
+    const WorkFolder folder;
+    const std::string words = repeated("Some words\tand more of them. ", 400);
+    folder.put("a.txt", Bytes(words.begin(), words.end()));
+    EXPECT_EQ(folder.run({"fax", "a.txt", "paper.tif", "--dpi=100"}).err, "");
+    EXPECT_EQ(folder.run({"fax", "a.txt", "width.tif", "--dpi=100", "--width=827"}).err, "");
+    EXPECT_GT(pagesIn(folder.get("paper.tif")).size(), 1U);
+    EXPECT_TRUE(folder.get("paper.tif") == folder.get("width.tif"));
 }
 
 // Text on a form in colours: the form's pixels, and black ones.

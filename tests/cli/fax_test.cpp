@@ -83,11 +83,11 @@ TEST(Fax, PaperResolutionAndCompressionCanBeChosen) {
          {1700, 1100},
          3,
          "out.tif: page 1: 1700 x 1100, 1 bit, g3\n"},
-        {{"--paper", "legal", "--dpi", "100", "--compression", "g3-2d"},
+        {{"--paper", "Legal", "--dpi", "100", "--compression", "G3-2d"},
          {850, 1400},
          3,
          "out.tif: page 1: 850 x 1400, 1 bit, g3-2d\n"},
-        {{"--paper=a4", "--dpi=200x200", "--compression=mh"},
+        {{"--paper=A4", "--dpi=200x200", "--compression=MH"},
          {1654, 2338},
          2,
          "out.tif: page 1: 1654 x 2338, 1 bit, mh\n"},
@@ -153,20 +153,6 @@ TEST(Fax, MarginsThatLeaveNoRoomAreWrongUsage) {
     }
 }
 
-TEST(Fax, LinesMayEndInAnyWay) {
-    const WorkFolder folder;
-    folder.put("dos.txt", textOf("one\r\ntwo\r\n\r\nfour"));
-    folder.put("unix.txt", textOf("one\ntwo\n\nfour"));
-    folder.put("old.txt", textOf("one\rtwo\r\rfour"));
-    folder.put("joined.txt", textOf("onetwofour"));
-    for (const char *name : {"dos", "unix", "old", "joined"}) {
-        EXPECT_EQ(folder.run({"fax", std::string(name) + ".txt", std::string(name) + ".tif"}).err, "");
-    }
-    EXPECT_TRUE(folder.get("unix.tif") == folder.get("dos.tif"));
-    EXPECT_TRUE(folder.get("old.tif") == folder.get("dos.tif"));
-    EXPECT_FALSE(folder.get("joined.tif") == folder.get("dos.tif"));
-}
-
 TEST(Fax, EveryOptionOfTheTextCounts) {
     const WorkFolder folder;
     folder.put("a.txt", textOf("Some\ttext, with\r\nlines."));
@@ -207,6 +193,8 @@ TEST(Fax, ThereAreNoMorePagesThanMemoryHolds) {
         {{"--dpi=1200", "--pages=62"}, "61 of these pages, at 1200x1200 dpi, not '62'"},
         {{"--dpi=1200", "--paper=legal", "--pages=51"}, "50 of these pages, at 1200x1200 dpi, not '51'"},
         {{"--dpi=600x300", "--pages=1000"}, "490 of these pages, at 600x300 dpi, not '1000'"},
+        // 2500 bytes a line.
+        {{"--dpi=1200", "--width=20000", "--pages=31"}, "30 of these pages, at 1200x1200 dpi, not '31'"},
     };
     for (const Case &entry : cases) {
         Names words = {"fax", "a.txt", "b.tif"};
@@ -248,10 +236,11 @@ TEST(Fax, OnAFormTheFormIsThePage) {
     folder.put("form.tif", bundled("fax.tif"));
     folder.put("color.tif", bundled("buoy.tif"));
     folder.put("a.txt", textOf(manyLines(300)));
+    folder.put("b.txt", textOf("text"));
     const Outcome outcome = folder.run({"fax", "a.txt", "out.tif", "--form", "form.tif"});
     EXPECT_EQ(outcome.out, "out.tif: page 1: 1728 x 2287, 1 bit, g4\n");
-    EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.status, 0U);
+    EXPECT_EQ(outcome.err, "vellum: a.txt: the text goes on behind the form.\n");
+    EXPECT_EQ(outcome.status, 1U);
     const auto pages = seenPages(folder, "out.tif");
     ASSERT_EQ(pages.size(), 1U);
     EXPECT_EQ(values(pages[0], 282), (Values{204, 1}));
@@ -267,10 +256,22 @@ TEST(Fax, OnAFormTheFormIsThePage) {
     EXPECT_GT(added, 1000U);
     EXPECT_EQ(folder.run({"fax", "a.txt", "out.tif", "--form", "color.tif", "--margin", "5"}).out,
               "out.tif: page 1: 240 x 160, 24 bits, lzw\n");
-    const Outcome wrong = folder.run({"fax", "a.txt", "none.tif", "--form", "color.tif", "--compression", "g4"});
+    const Outcome wrong = folder.run({"fax", "b.txt", "none.tif", "--form", "color.tif", "--compression", "g4"});
     EXPECT_EQ(wrong.err, "vellum: none.tif: g4 codes 1 bit per pixel; the page has 24 bits per pixel.\n");
     EXPECT_EQ(wrong.status, 1U);
-    EXPECT_EQ(folder.files(), (Names{"a.txt", "color.tif", "form.tif", "out.tif"}));
+    EXPECT_EQ(folder.files(), (Names{"a.txt", "b.txt", "color.tif", "form.tif", "out.tif"}));
+}
+
+TEST(Fax, ATextThatFitsOnItsFormIsNoFailure) {
+    const WorkFolder folder;
+    folder.put("form.tif", bundled("fax.tif"));
+    folder.put("a.txt", textOf(manyLines(3)));
+    const Outcome outcome = folder.run({"fax", "a.txt", "out.tif", "--form", "form.tif"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.status, 0U);
+    folder.put("b.txt", textOf(manyLines(3) + "more"));
+    EXPECT_EQ(folder.run({"fax", "b.txt", "more.tif", "--form", "form.tif"}).status, 0U);
+    EXPECT_FALSE(folder.get("more.tif") == folder.get("out.tif"));
 }
 
 TEST(Fax, WhatCannotBeReadOrWrittenIsReported) {
@@ -300,20 +301,36 @@ TEST(Fax, WrongUsageIsExplained) {
         {{"a.txt", "b.tif", "--form", "b.tif"}, "the output would replace the input"},
         {{"a.txt", "b.tif", "--paper", "a5"}, "option '--paper' wants a4, letter or legal, not 'a5'"},
         {{"a.txt", "b.tif", "--dpi", "200x"},
-         "option '--dpi' wants dots per inch up to 1200, as 200 or 204x196, not ''"},
+         "option '--dpi' wants whole dots per inch from 1 to 1200, as 200 or 204x196, not ''"},
         {{"a.txt", "b.tif", "--dpi", "1x2x3"},
-         "option '--dpi' wants dots per inch up to 1200, as 200 or 204x196, not '1x2x3'"},
-        {{"a.txt", "b.tif", "--dpi", "0"}, "option '--dpi' wants dots per inch up to 1200, as 200 or 204x196, not '0'"},
-        {{"a.txt", "b.tif", "--margin", "x"}, "option '--margin' wants millimetres, as 20 or 15x20, not ''"},
-        {{"a.txt", "b.tif", "--size", "0"}, "option '--size' wants a number of points, not '0'"},
-        {{"a.txt", "b.tif", "--tabs", "1,2,"}, "option '--tabs' wants millimetres, with commas between them, not ''"},
+         "option '--dpi' wants whole dots per inch from 1 to 1200, as 200 or 204x196, not '1x2x3'"},
+        {{"a.txt", "b.tif", "--dpi", "0"},
+         "option '--dpi' wants whole dots per inch from 1 to 1200, as 200 or 204x196, not '0'"},
+        {{"a.txt", "b.tif", "--margin", "x"},
+         "option '--margin' wants whole millimetres from 0 to 1000, as 20 or 15x20, not ''"},
+        {{"a.txt", "b.tif", "--spacing", "1.5"},
+         "option '--spacing' wants whole millimetres from 0 to 1000, not '1.5'"},
+        {{"a.txt", "b.tif", "--size", "0"}, "option '--size' wants a whole number of points from 1 to 1000, not '0'"},
+        {{"a.txt", "b.tif", "--width", "20001"},
+         "option '--width' wants a whole number of pixels from 1 to 20000, not '20001'"},
+        {{"a.txt", "b.tif", "--width", "0"},
+         "option '--width' wants a whole number of pixels from 1 to 20000, not '0'"},
+        {{"a.txt", "b.tif", "--width", "300"}, "option '--margin' leaves no room on the paper"},
+        {{"a.txt", "b.tif", "--tabs", "1,2,"},
+         "option '--tabs' wants whole millimetres from 0 to 1000, with commas between them, not ''"},
         {{"a.txt", "b.tif", "--tabs", "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17"},
          "option '--tabs' wants up to 16 numbers"},
         {{"a.txt", "b.tif", "--pages", "1001"}, "option '--pages' wants a number of pages from 1 to 1000, not '1001'"},
         {{"a.txt", "b.tif", "--compression", "jpeg"},
          "option '--compression' wants one of g4, g3, g3-2d, mh, lzw, packbits, none, not 'jpeg'"},
         {{"a.txt", "b.tif", "--form", "f.tif", "--dpi", "200"},
-         "'--form' does not go with '--paper', '--dpi' and '--pages': the form is the page"},
+         "'--form' does not go with '--dpi': the form is the page"},
+        {{"a.txt", "b.tif", "--form", "f.tif", "--paper", "a4"},
+         "'--form' does not go with '--paper': the form is the page"},
+        {{"a.txt", "b.tif", "--form", "f.tif", "--pages", "2"},
+         "'--form' does not go with '--pages': the form is the page"},
+        {{"a.txt", "b.tif", "--form", "f.tif", "--width", "1728"},
+         "'--form' does not go with '--width': the form is the page"},
     };
     for (const Case &entry : cases) {
         Names words = {"fax"};

@@ -55,6 +55,10 @@ TEST(Note, AddKeepsTheLinesInTheTagAndLeavesThePixels) {
     const Outcome outcome = folder.run({"note", "add", "in.tif", "--at", "7,9", "--opaque", "one", "two \xC3\xA9"});
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.status, 0U);
+    EXPECT_TRUE(std::regex_match(outcome.out, std::regex("in\\.tif: page 1: opaque note from 7,9 to \\d+,\\d+\n"
+                                                         "    one\n    two \xC3\xA9\n")))
+        << outcome.out;
+    EXPECT_EQ(folder.run({"note", "list", "in.tif"}).out, outcome.out);
     const auto after = pagesIn(folder.get("in.tif"));
     ASSERT_EQ(after.size(), 2U);
     const std::string value = textIn(after[0].tag(316));
@@ -65,7 +69,6 @@ TEST(Note, AddKeepsTheLinesInTheTagAndLeavesThePixels) {
     EXPECT_GT(std::stoi(numbers[2]), 9 + 10) << "as high as two lines";
     EXPECT_EQ(after[0].pieces, before[0].pieces);
     EXPECT_TRUE(after[1] == before[1]);
-    EXPECT_NE(folder.run({"note", "list", "in.tif"}).out.find("    one\n    two \xC3\xA9\n"), std::string::npos);
     EXPECT_EQ(folder.run({"note", "add", "in.tif", "other"}).status, 0U) << "in place of the first note";
     EXPECT_NE(textIn(pagesIn(folder.get("in.tif"))[0].tag(316)).find(",6,other"), std::string::npos);
 }
@@ -132,6 +135,41 @@ TEST(Note, LinesMayEndInAnyWay) {
               "in.tif: page 2: transparent note from 10,20 to 110,52\n    a\n    b\n    c\n    d\n");
 }
 
+TEST(Note, ALineThatHasLineEndsInItIsSeveral) {
+    const WorkFolder folder;
+    folder.put("in.tif", twoPages(""));
+    const auto textOf = [&folder](const std::vector<std::string> &lines) {
+        std::vector<std::string> words = {"note", "add", "in.tif"};
+        words.insert(words.end(), lines.begin(), lines.end());
+        EXPECT_EQ(folder.run(words).err, "");
+        const std::string value = textIn(pagesIn(folder.get("in.tif"))[0].tag(316));
+        std::smatch parts;
+        return std::regex_match(value, parts, std::regex("~,1,T,0,0,\\d+,\\d+,\\d+,([^]*)\\x00")) ? parts[1].str()
+                                                                                                  : value;
+    };
+    EXPECT_EQ(textOf({"a\nb", "c\rd\r\ne"}), "a\r\nb\r\nc\r\nd\r\ne");
+    EXPECT_EQ(textOf({"a\n\nb"}), "a\r\n\r\nb");
+    EXPECT_EQ(textOf({"", "a"}), "\r\na");
+    EXPECT_EQ(textOf({"a\r\nb"}), "a\r\nb");
+}
+
+// Other programs end the lines of their notes as they like.
+TEST(Note, BurnLosesNoLineWhateverItEndsWith) {
+    const auto burned = [](const std::string &text) {
+        const WorkFolder folder;
+        folder.put("in.tif", twoPages("~,1,T,10,5,110,52,9," + text));
+        EXPECT_EQ(folder.run({"note", "burn", "in.tif", "out.tif", "--page=2"}).err, "");
+        return std::pair(inkOn(folder, "out.tif"), folder.get("out.tif"));
+    };
+    const auto [ink, page] = burned("Hello\r\nHello\r\nHello");
+    const std::size_t inkOfOne = burned("Hello").first;
+    EXPECT_GT(inkOfOne, 20U);
+    EXPECT_EQ(ink, 3 * inkOfOne);
+    EXPECT_TRUE(burned("Hello\nHello\nHello").second == page);
+    EXPECT_TRUE(burned("Hello\rHello\rHello").second == page);
+    EXPECT_TRUE(burned("Hello\nHello\r\nHello").second == page);
+}
+
 TEST(Note, CharactersThatTheCodePageLacksAreRefused) {
     const WorkFolder folder;
     folder.put("in.tif", twoPages(""));
@@ -162,9 +200,12 @@ TEST(Note, WhatMakesNoSenseIsSaid) {
         {{"note", "burn", "in.tif"}, "'burn' needs one file and the file to write"},
         {{"note", "burn", "in.tif", "IN.TIF"}, "the output is the input"},
         {{"note", "list", "in.tif", "--opaque"}, "'--opaque' does not go with 'list'"},
-        {{"note", "add", "in.tif", "x", "--at", "1"}, "option '--at' wants two numbers as in 100,200, not '1'"},
-        {{"note", "add", "in.tif", "x", "--at=-1,2"}, "option '--at' wants two numbers as in 100,200, not '-1,2'"},
-        {{"note", "add", "in.tif", "x", "--at=1,2x"}, "option '--at' wants two numbers as in 100,200, not '1,2x'"}};
+        {{"note", "add", "in.tif", "x", "--at", "1"},
+         "option '--at' wants two whole numbers of pixels from 0 on, as 100,200, not '1'"},
+        {{"note", "add", "in.tif", "x", "--at=-1,2"},
+         "option '--at' wants two whole numbers of pixels from 0 on, as 100,200, not '-1,2'"},
+        {{"note", "add", "in.tif", "x", "--at=1,2x"},
+         "option '--at' wants two whole numbers of pixels from 0 on, as 100,200, not '1,2x'"}};
     for (const auto &[words, message] : kWrong) {
         const Outcome outcome = folder.run(words);
         EXPECT_EQ(outcome.err, "vellum note: " + message + "\nTry 'vellum note --help'.\n");

@@ -22,7 +22,7 @@ const char *const kReplaced = "the output would replace the input";
 const Case kCommands[] = {
     {{"convert", "in.tif", "OUT"}, kReplaced},
     {{"stamp", "in.tif", "OUT", "--text=x", "--at=0,0"}, kReplaced},
-    {{"fax", "a.txt", "OUT", "--form=in.tif", "--margin=0"}, kReplaced},
+    {{"fax", "empty.txt", "OUT", "--form=in.tif", "--margin=0"}, kReplaced},
     {{"note", "burn", "in.tif", "OUT"}, "the output is the input"},
     {{"copy", "--replace", "in.tif", "OUT"}, kReplaced},
     {{"merge", "--replace", "in.tif", "OUT"}, kReplaced},
@@ -49,6 +49,7 @@ Bytes pageWithNote() {
 void prepare(const WorkFolder &folder) {
     folder.put("in.tif", pageWithNote());
     folder.put("a.txt", {'x'});
+    folder.put("empty.txt", {}); // no other text fits on a page of one line
 }
 
 TEST(SameFile, AHardLinkToTheInputIsNoOutput) {
@@ -62,7 +63,7 @@ TEST(SameFile, AHardLinkToTheInputIsNoOutput) {
         EXPECT_EQ(outcome.status, 2U);
     }
     EXPECT_TRUE(folder.get("in.tif") == pageWithNote());
-    EXPECT_EQ(folder.files(), (Words{"a.txt", "in.tif", "link.tif"}));
+    EXPECT_EQ(folder.files(), (Words{"a.txt", "empty.txt", "in.tif", "link.tif"}));
 }
 
 // Before the first of its pages is written.

@@ -2,6 +2,7 @@
 #include "cli/page_pixels.h"
 #include "cli/tiff_look.h"
 #include "cli/vellum_process.h"
+#include "support/tiff_builder.h"
 
 #include <gtest/gtest.h>
 
@@ -65,6 +66,33 @@ TEST(Stamp, TheTextIsUtf8) {
     EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "\xE6\x97\xA5"}).status, 2U);
 }
 
+// A backslash with anything else behind it is itself.
+TEST(Stamp, TwoBackslashesAreOne) {
+    const WorkFolder folder;
+    folder.put("fax.tif", bundled("fax.tif"));
+    const auto stamped = [&folder](const std::string &text) {
+        EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", text}).err, "");
+        return folder.get("out.tif");
+    };
+    const auto alone = stamped("C:\\temp");
+    EXPECT_TRUE(stamped("C:\\\\temp") == alone);
+    EXPECT_FALSE(stamped("C:temp") == alone);
+    const auto height = [&folder, &stamped](const std::string &text) {
+        (void)stamped(text);
+        const RECT box = difference(pagePixels(folder, "fax.tif"), pagePixels(folder, "out.tif"));
+        return box.bottom - box.top;
+    };
+    EXPECT_LT(height("C:\\\\new"), 45) << "one line";
+    EXPECT_GT(height("C:\\new"), 45) << "two lines";
+}
+
+TEST(Stamp, ACompressionMayBeInCapitals) {
+    const WorkFolder folder;
+    folder.put("fax.tif", bundled("fax.tif"));
+    EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--compression", "PackBits"}).out,
+              "out.tif: page 1: 1728 x 2287, 1 bit, packbits\n");
+}
+
 // 1728 x 2287 pixels at 204 x 196 dots per inch: 215.2 x 296.4 millimetres.
 TEST(Stamp, APlaceOutsideThePageIsRefused) {
     const WorkFolder folder;
@@ -73,10 +101,28 @@ TEST(Stamp, APlaceOutsideThePageIsRefused) {
         const Outcome outcome = folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--at", place});
         EXPECT_EQ(outcome.status, 1U);
         EXPECT_EQ(outcome.err, "vellum: fax.tif: page 1: the place " + std::string(place) +
-                                   " lies outside the page of 215 x 296 millimetres.\n");
+                                   " lies outside the page of 215.2 x 296.4 millimetres.\n");
         EXPECT_FALSE(folder.get("out.tif"));
     }
-    EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--at", "215,296"}).err, "");
+    EXPECT_EQ(folder.run({"stamp", "fax.tif", "out.tif", "--text", "x", "--at", "214,295"}).err, "");
+}
+
+// 1000 x 1000 pixels at 254 dots per inch are 100 x 100 millimetres, and the last of them is the 99th.
+TEST(Stamp, TheFarEdgeLiesOutsideThePage) {
+    const WorkFolder folder;
+    tiff::Builder file;
+    file.page({tiff::longs(256, {1000}), tiff::longs(257, {1000}), tiff::shorts(258, {1}), tiff::shorts(262, {0}),
+               tiff::rationals(282, {254, 1}), tiff::rationals(283, {254, 1})},
+              {Bytes(125 * 1000)});
+    folder.put("in.tif", file.bytes());
+    for (const char *place : {"100,10", "10,100"}) {
+        EXPECT_EQ(folder.run({"stamp", "in.tif", "out.tif", "--text", "HHH", "--at", place}).err,
+                  "vellum: in.tif: page 1: the place " + std::string(place) +
+                      " lies outside the page of 100.0 x 100.0 millimetres.\n");
+        EXPECT_FALSE(folder.get("out.tif"));
+    }
+    EXPECT_EQ(folder.run({"stamp", "in.tif", "out.tif", "--text", "HHH", "--at", "99,10"}).err, "");
+    EXPECT_GT(difference(pagePixels(folder, "in.tif"), pagePixels(folder, "out.tif")).right, 990);
 }
 
 TEST(Stamp, WhatCannotBeReadOrCodedIsReported) {
@@ -104,10 +150,13 @@ TEST(Stamp, WrongUsageIsExplained) {
         {{"a.tif", "--text", "x"}, "one input file and one output file are needed"},
         {{"a.tif", "a.tif", "--text", "x"}, "the output would replace the input"},
         {{"a.tif", "b.tif", "--text", "x", "--at", "10"},
-         "option '--at' wants two numbers of millimetres, as 10,10, not '10'"},
+         "option '--at' wants two whole numbers of millimetres from 0 to 10000, as 10,10, not '10'"},
         {{"a.tif", "b.tif", "--text", "x", "--at", "10,-1"},
-         "option '--at' wants two numbers of millimetres, as 10,10, not '-1'"},
-        {{"a.tif", "b.tif", "--text", "x", "--size", "big"}, "option '--size' wants a number of points, not 'big'"},
+         "option '--at' wants two whole numbers of millimetres from 0 to 10000, as 10,10, not '-1'"},
+        {{"a.tif", "b.tif", "--text", "x", "--size", "1.5"},
+         "option '--size' wants a whole number of points from 1 to 1000, not '1.5'"},
+        {{"a.tif", "b.tif", "--text", ""}, "the text is empty"},
+        {{"a.tif", "b.tif", "--text", "\\n\\n"}, "the text is empty"},
     };
     for (const Case &entry : cases) {
         Names words = {"stamp"};
