@@ -3,6 +3,7 @@
 #include "tools/command.h"
 #include "tools/console.h"
 #include "tools/dib_output.h"
+#include "tools/fax_lines.h"
 #include "tools/fax_paper.h"
 #include "tools/fax_request.h"
 #include "tools/fax_text.h"
@@ -172,14 +173,15 @@ void checkOutput(const FaxRequest &request, const FileName &text, const FileName
     }
 }
 
-// The text goes to the library by way of a file with the line ends that it knows.
+// The text goes to the library by way of a file with the line ends that it knows. A form has no next page on which a
+// broken line could go on.
 Status draw(FaxRequest &request, const FileName &text, const FileName &output) {
     const FaxText lines = readFaxText(text);
     if (!lines.failure.empty()) {
         return complain(text, lines.failure);
     }
     const TemporaryFile copy;
-    if (!writeText(copy.name(), lines.text)) {
+    if (!writeText(copy.name(), request.form ? lines.text : breakLines(lines.text, request.page))) {
         return complain(text, "there is no folder for temporary files.");
     }
     const std::string path = copy.name().forLibrary();

@@ -266,5 +266,34 @@ TEST(FaxPlace, AFormInColourKeepsItsColours) {
     EXPECT_LT(ink.rows[0], 56 + 12);
 }
 
+LONG blackPixels(const WorkFolder &folder, int page) {
+    const PagePixels pixels = pagePixels(folder, "a.tif", page);
+    return static_cast<LONG>(std::ranges::count(pixels.values, DWORD{0}));
+}
+
+// The library leaves out what it would move from the end of a page to the next one.
+TEST(FaxPlace, OfALineThatIsBrokenAtTheEndOfAPageNothingIsLost) {
+    const WorkFolder folder;
+    const Words options = {"fax", "a.txt", "a.tif", "--dpi", "100", "--margin", "60x135"};
+    folder.put("a.txt", {'m', 'm', 'm', 'm'});
+    EXPECT_EQ(folder.run(options).err, "");
+    const LONG ofAWord = blackPixels(folder, 1);
+    ASSERT_GT(ofAWord, 0);
+    Bytes text;
+    for (int i = 0; i < 240; ++i) {
+        text.insert(text.end(), {'m', 'm', 'm', 'm', ' '});
+    }
+    folder.put("a.txt", text);
+    EXPECT_EQ(folder.run(options).err, "");
+    const auto pages = static_cast<int>(TiffLook(folder.get("a.tif")).pages().size());
+    ASSERT_GE(pages, 4);
+    LONG ofAll = 0;
+    for (int page = 1; page <= pages; ++page) {
+        ofAll += blackPixels(folder, page);
+    }
+    // Less than half a word a page.
+    EXPECT_NEAR(ofAll, 240 * ofAWord, pages * ofAWord / 2);
+}
+
 } // namespace
 } // namespace vellum::test
