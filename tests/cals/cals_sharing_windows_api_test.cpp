@@ -2,6 +2,7 @@
 // Paths beyond 127 characters go another way into the system and must not differ.
 #include "cals/cals_pictures.h"
 #include "support/import_patch.h"
+#include "support/other_opener.h"
 #include "support/screen_host.h"
 #include "write/packed_dibs.h"
 
@@ -12,26 +13,6 @@
 namespace {
 
 using namespace vellum::test;
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
-
-// Another program's handle.
-class Other {
-public:
-    Other(const std::string &path, DWORD access, DWORD sharing)
-        : handle_(CreateFileA(path.c_str(), access, sharing, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
-    Other(const Other &) = delete;
-    Other &operator=(const Other &) = delete;
-    ~Other() {
-        if (*this) {
-            CloseHandle(handle_);
-        }
-    }
-    explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
-
-private:
-    HANDLE handle_;
-};
 
 // What others can do while the library reads or writes the file.
 struct Others {

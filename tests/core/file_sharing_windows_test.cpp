@@ -2,32 +2,13 @@
 // beyond 127 characters go another way into the system and must not differ.
 #include "core/stream.h"
 #include "opened_tiff.h"
+#include "support/other_opener.h"
 
 #include <filesystem>
 #include <string>
 
 namespace vellum::test {
 namespace {
-
-// Another program's handle.
-class Other {
-public:
-    Other(const std::string &path, DWORD access, DWORD sharing)
-        : handle_(CreateFileA(path.c_str(), access, sharing, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
-    Other(const Other &) = delete;
-    Other &operator=(const Other &) = delete;
-    ~Other() {
-        if (*this) {
-            CloseHandle(handle_);
-        }
-    }
-    explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
-
-private:
-    HANDLE handle_;
-};
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 class FileSharing : public ::testing::TestWithParam<std::size_t> {
 protected:
