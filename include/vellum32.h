@@ -132,20 +132,21 @@ typedef struct IocaHeader {
  * dropped, first of a hundredth of an inch and then of a pixel. Path and face may do without their terminators.
  */
 typedef struct FaxPageParams {
-    char textFile[256];              /* path of the text */
-    DWORD pageWidth;                 /* length */
-    DWORD pageHeight;                /* length */
-    DWORD leftMargin;                /* length, on the right too */
-    DWORD topMargin;                 /* length, at the bottom too */
-    char fontFace[128];              /* name of a font, of which 31 characters count; empty: the system's own font */
-    DWORD fontSize;                  /* points */
-    DWORD horizontalResolution;      /* dots per inch */
-    DWORD verticalResolution;        /* dots per inch */
-    DWORD lineSpacing;               /* length, between lines, added to the font's height */
-    DWORD tabStops[16];              /* lengths from the left margin */
-    DWORD flags;                     /* VELLUM_FAX_HUNDREDTHS, _ITALIC, _BOLD */
-    const LOGFONTA *fontDescription; /* NULL, or the font to use instead of fontFace, italic and bold, all but its
-                                        height; only looked at when fontFace is not empty */
+    char textFile[256];         /* path of the text */
+    DWORD pageWidth;            /* length */
+    DWORD pageHeight;           /* length */
+    DWORD leftMargin;           /* length, on the right too */
+    DWORD topMargin;            /* length, at the bottom too */
+    char fontFace[128];         /* name of a font, of which 31 characters count; empty: the system's own font */
+    DWORD fontSize;             /* points; letters far larger than the page are made smaller */
+    DWORD horizontalResolution; /* dots per inch */
+    DWORD verticalResolution;   /* dots per inch */
+    DWORD lineSpacing;          /* length, between lines, added to the font's height */
+    DWORD tabStops[16];         /* lengths from the left margin */
+    DWORD flags;                /* VELLUM_FAX_HUNDREDTHS, _ITALIC, _BOLD */
+    const LOGFONTA
+        *fontDescription; /* NULL, or the font to use instead of fontFace, italic and bold, all but its
+                             height, with its width bounded likewise; only looked at when fontFace is not empty */
 } FaxPageParams;
 
 /* The numbers of a CALS header (ReadCALSInfo, DefineCALSHead), by their records. */
@@ -184,7 +185,8 @@ typedef struct NoteRecord {
     LONG top;
     LONG right;
     LONG bottom;
-    HGLOBAL image; /* packed DIB, or NULL: the image that a note is placed on, and burned into */
+    HGLOBAL image; /* packed DIB, or NULL: the image that a note is placed on, and burned into; the latter takes
+                      uncompressed, bottom-up ones without colour masks */
 } NoteRecord;
 
 #pragma pack(pop)
@@ -1229,7 +1231,7 @@ HGLOBAL VELLUMAPI DIBFormOverlay(const char *tiffPath, const FaxPageParams *para
  *                another resolution they are scaled
  *   text         ends with a zero; every line feed begins a line, a carriage return alone does not
  *   face         name of a font, of which 31 characters count
- *   points       its size
+ *   points       its size; letters far larger than the picture are made smaller
  *   xResolution  the picture's dots per inch; 0 for the screen's
  *   yResolution  likewise
  * So x is millimetres * LOGPIXELSX / 25.4, or a pixel of the picture * LOGPIXELSX / xResolution. Lines are not wrapped.
