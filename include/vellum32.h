@@ -144,9 +144,9 @@ typedef struct FaxPageParams {
     DWORD lineSpacing;          /* length, between lines, added to the font's height */
     DWORD tabStops[16];         /* lengths from the left margin */
     DWORD flags;                /* VELLUM_FAX_HUNDREDTHS, _ITALIC, _BOLD */
-    const LOGFONTA
-        *fontDescription; /* NULL, or the font to use instead of fontFace, italic and bold, all but its
-                             height, with its width bounded likewise; only looked at when fontFace is not empty */
+    /* NULL, or the font to use instead of fontFace, italic and bold, all but its height, and with its width bounded
+       likewise; only looked at when fontFace is not empty */
+    const LOGFONTA *fontDescription;
 } FaxPageParams;
 
 /* The numbers of a CALS header (ReadCALSInfo, DefineCALSHead), by their records. */
